@@ -1,0 +1,194 @@
+#include "elf/name_keys.h"
+
+#include "elf/demangle.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
+constexpr bool isLower(char c) { return c >= 'a' && c <= 'z'; }
+constexpr bool isUpper(char c) { return c >= 'A' && c <= 'Z'; }
+constexpr bool isOneOf(char c, std::string_view set) { return set.find(c) != std::string_view::npos; }
+
+// Everything that the demangler puts between names, and what could be mistaken for it.
+constexpr auto wordCharacters = [] {
+    std::array<bool, 256> table{};
+    for (std::size_t c = '!'; c < table.size(); ++c) {
+        table[c] = !isOneOf(static_cast<char>(c), "!\"#%&'()*+,-./:;<=>?@[\\]^`{|}~") && c != 0x7F;
+    }
+    return table;
+}();
+
+constexpr bool isWordCharacter(char c) { return wordCharacters[static_cast<unsigned char>(c)]; }
+
+// Whether a name outside of the mangled ones could be read as a type, which has a demangled form too.
+bool mayBeType(std::string_view name) {
+    const std::size_t start = name.find_first_not_of("rVKPROCG");
+    if (start == std::string_view::npos) {
+        return true;
+    }
+    const std::string_view base = name.substr(start);
+    const char first = base.front();
+    if (first == 'u') { // a vendor's type has a length next
+        return base.size() > 1 && isDigit(base[1]);
+    }
+    if (isOneOf(first, "kpq")) { // no types, but the codes of operators, and those go as names of classes
+        return base.size() <= 2 || isOneOf(base[2], "BI");
+    }
+    if (isLower(first)) { // a fundamental type is complete with its letter
+        return base.size() == 1;
+    }
+    return isUpper(first) || isDigit(first);
+}
+
+class ScopeReader {
+public:
+    explicit ScopeReader(std::string_view rest) : rest_(rest) {}
+
+    // The last identifier of the scope, or the empty text.
+    std::string_view lastIdentifier() {
+        if (!skipPrefixes()) {
+            return {};
+        }
+        const bool nested = take("N");
+        while (nested && !rest_.empty() && isOneOf(rest_.front(), "rVKRO")) {
+            rest_.remove_prefix(1);
+        }
+        // The abbreviations of the standard library; only "St" takes a name outside of a nested one.
+        if (!take("St") && nested && rest_.size() > 1 && rest_[0] == 'S' && isOneOf(rest_[1], "absiod")) {
+            rest_.remove_prefix(2);
+        }
+        std::string_view last;
+        std::string_view identifier;
+        while (takeIdentifier(identifier)) {
+            if (!identifier.starts_with("_GLOBAL_")) { // may be shown as "(anonymous namespace)"
+                last = identifier;
+            }
+            if (!nested) {
+                break;
+            }
+        }
+        return last;
+    }
+
+private:
+    bool take(std::string_view text) {
+        if (!rest_.starts_with(text)) {
+            return false;
+        }
+        rest_.remove_prefix(text.size());
+        return true;
+    }
+
+    // What tables, guards and thunks, and things inside functions have in front of the name they belong to.
+    bool skipPrefixes() {
+        if (take("Th")) {
+            if (!skipOffset()) {
+                return false;
+            }
+        } else if (take("Tv")) {
+            if (!skipOffset() || !skipOffset()) {
+                return false;
+            }
+        } else if (!take("GV") && !take("TV") && !take("TT") && !take("TI")) {
+            take("TS");
+        }
+        while (take("Z")) {
+        }
+        return true;
+    }
+
+    bool skipOffset() {
+        take("n");
+        const std::size_t end = rest_.find_first_not_of("0123456789");
+        if (end == 0 || end == std::string_view::npos) {
+            return false;
+        }
+        rest_.remove_prefix(end);
+        return take("_");
+    }
+
+    bool takeIdentifier(std::string_view& identifier) {
+        if (rest_.size() > 1 && rest_[0] == 'L' && isDigit(rest_[1])) { // of internal linkage
+            rest_.remove_prefix(1);
+        }
+        if (rest_.empty() || !isDigit(rest_.front()) || rest_.front() == '0') {
+            return false;
+        }
+        std::size_t length = 0;
+        std::size_t digits = 0;
+        while (digits < rest_.size() && isDigit(rest_[digits]) && length < rest_.size()) {
+            length = length * 10 + static_cast<std::size_t>(rest_[digits] - '0');
+            ++digits;
+        }
+        if (length > rest_.size() - digits) {
+            return false;
+        }
+        identifier = rest_.substr(digits, length);
+        rest_.remove_prefix(digits + length);
+        return true;
+    }
+
+    std::string_view rest_;
+};
+
+// The words of the demangler itself, of four letters and more, in order. What isn't here and isn't taken from
+// the mangled name makes a lookup fail, so words too many do no harm.
+constexpr auto demanglerWords = std::to_array<std::string_view>({
+    "Class",         "JArray",        "_Accum",        "_BitInt",       "_Complex",         "_Fract",      "_Imaginary",
+    "_Sat",          "__float128",    "__int128",      "__vector",         "alias",       "alignof",
+    "allocator",     "anonymous",     "auto",          "basic_iostream",   "basic_istream", "basic_ostream",
+    "basic_string",  "bfloat16_t",    "binding",       "bool",             "boolean",     "byte",
+    "char",          "char16_t",      "char32_t",      "char8_t",          "char_traits", "class",
+    "clone",         "co_await",      "const",         "const_cast",       "construction", "constructors",
+    "covariant",     "decimal128",    "decimal32",     "decimal64",        "decltype",    "default",
+    "delete",        "destructors",   "double",        "dynamic_cast",     "enum",        "false",
+    "float",         "function",      "global",        "guard",            "half",        "hidden",
+    "init",          "initializer",   "iostream",      "istream",          "java",        "keyed",
+    "lambda",        "literal",       "local",         "localalias",       "long",        "module",
+    "name",          "namespace",     "noexcept",      "nullptr",       "nullptr_t",        "object",      "operator",
+    "ostream",       "parameter",     "parm",          "part",             "property",    "reference",
+    "reinterpret_cast", "requires",   "resource",      "restrict",         "return",      "short",
+    "signed",        "sizeof",        "static_cast",   "string",           "structured",  "template",
+    "temporary",     "this",          "throw",         "thunk",            "transaction", "transaction_safe",
+    "true",          "type",          "typeid",        "typeinfo",         "typename",    "unnamed",
+    "unsigned",      "variable",      "virtual",       "void",             "volatile",    "vtable",
+    "wchar_t",       "wrapper",
+});
+static_assert(std::is_sorted(demanglerWords.begin(), demanglerWords.end()));
+
+} // namespace
+
+NameKey keyOfName(std::string_view name) {
+    if (name.size() > maxMangledLength(NameStyle::GnuV3)) {
+        return {NameKind::Plain, name};
+    }
+    if (name.starts_with("_Z")) {
+        const std::string_view identifier = ScopeReader(name.substr(2)).lastIdentifier();
+        const bool isWord =
+            !identifier.empty() && std::all_of(identifier.begin(), identifier.end(), isWordCharacter);
+        return isWord ? NameKey{NameKind::Mangled, identifier} : NameKey{NameKind::Unclear, name};
+    }
+    // Functions that run all constructors or destructors of a file have a form of their own.
+    const bool mayBeGlobal = name.starts_with("_GLOBAL_") && name.size() > 10 && isOneOf(name[9], "DI");
+    return {mayBeGlobal || mayBeType(name) ? NameKind::Unclear : NameKind::Plain, name};
+}
+
+std::string_view nextWord(std::string_view text, std::size_t& position) {
+    while (position < text.size() && !isWordCharacter(text[position])) {
+        ++position;
+    }
+    const std::size_t start = position;
+    while (position < text.size() && isWordCharacter(text[position])) {
+        ++position;
+    }
+    return text.substr(start, position - start);
+}
+
+bool mayComeFromDemangler(std::string_view word) {
+    // Numbers with their suffixes, and the types of floating point that have a number in their name.
+    return word.size() < 4 || isDigit(word.front()) || word.starts_with("_Float") ||
+           std::binary_search(demanglerWords.begin(), demanglerWords.end(), word);
+}

@@ -1,0 +1,3 @@
+#include "host/run.h"
+
+int main(int argc, char** argv) { return runQuorvane(argc, argv); }

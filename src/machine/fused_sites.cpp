@@ -1,0 +1,48 @@
+#include "machine/fused_sites.h"
+
+ESValue findField(ESContext& ctx, ESObject* object, ESAtom atom, ESCell& cell) {
+    if (atom == wellKnownAtoms.length && !object->nativeClass->ordinaryGet) {
+        return ctx.get(object, atom);
+    }
+    std::uint32_t depth = 0;
+    for (ESObject* holder = object; holder != nullptr; holder = holder->prototype, ++depth) {
+        if (const ESProperty* slot = holder->properties.find(atom)) {
+            // A class that works out a length must be asked each time; an own slot speaks for itself.
+            if (atom != wellKnownAtoms.length || depth == 0) {
+                cell.operand.low = static_cast<std::uint32_t>(slot - &holder->properties.at(0));
+                cell.operand.high = depth;
+            }
+            return slot->value();
+        }
+    }
+    return ctx.get(object, atom);
+}
+
+void storeField(ESContext& ctx, ESObject* object, ESAtom atom, const ESValue& v, ESCell& cell) {
+    ctx.put(object, atom, v);
+    if (atom == wellKnownAtoms.length || atom->arrayIndex != notAnIndex) {
+        return;
+    }
+    if (const ESProperty* slot = object->properties.find(atom)) {
+        cell.operand.low = static_cast<std::uint32_t>(slot - &object->properties.at(0));
+    }
+}
+
+void rememberName(const ESContext& ctx, ESAtom atom, ESCell& cell, std::uint32_t& between) {
+    std::uint32_t hops = 0;
+    for (const ESObject* node = ctx.scope; node != nullptr && hops <= 2; node = node->prototype, ++hops) {
+        ESObject* searched = node->value.object;
+        if (searched->nativeClass != ctx.activationClass) {
+            return;
+        }
+        if (hops == 1) {
+            between = searched->properties.count();
+        }
+        if (const ESProperty* slot = searched->properties.find(atom)) {
+            if (hops != 0) {
+                cell.operand = {hops, static_cast<std::uint32_t>(slot - &searched->properties.at(0))};
+            }
+            return;
+        }
+    }
+}

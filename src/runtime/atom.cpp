@@ -1,0 +1,271 @@
+#include "runtime/atom.h"
+
+#include "runtime/arena.h"
+
+#include <QLatin1String>
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <vector>
+
+WellKnownAtoms wellKnownAtoms;
+
+namespace {
+
+std::uint32_t hashOf(QStringView text) {
+    // Two code units a step would be faster still, but names are short.
+    std::uint64_t hash = 0x9E3779B97F4A7C15u ^ static_cast<std::uint64_t>(text.size());
+    for (const QChar c : text) {
+        hash = (hash ^ c.unicode()) * 0x100000001B3u;
+    }
+    hash ^= hash >> 29;
+    hash *= 0xBF58476D1CE4E5B9u;
+    return static_cast<std::uint32_t>(hash >> 32);
+}
+
+// The number whose canonical decimal text this is, if it can index an array.
+std::uint32_t parseArrayIndex(QStringView text) {
+    const qsizetype length = text.size();
+    if (length == 0 || length > 10 || (length > 1 && text[0] == u'0')) {
+        return notAnIndex;
+    }
+    std::uint64_t number = 0;
+    for (const QChar c : text) {
+        if (c < u'0' || c > u'9') {
+            return notAnIndex;
+        }
+        number = number * 10 + static_cast<std::uint64_t>(c.unicode() - u'0');
+    }
+    return number < 0x7FFFFFFF ? static_cast<std::uint32_t>(number) : notAnIndex;
+}
+
+} // namespace
+
+// The process's table: open addressing over pointers to entries that never move.
+class ESAtomTable {
+  public:
+    ESAtomTable();
+
+    ESAtom intern(QStringView text, std::uint32_t order);
+    ESAtom find(QStringView text) const;
+
+    ESArena arena;
+    std::vector<ESAtom> compiled; // by compiled index
+    std::array<ESAtom, 100> smallNumbers;
+    std::array<ESAtom, 256> characters{};
+
+    // Index names up to the watermark count as interned; each run gives consecutive names consecutive orders.
+    struct NameRun {
+        std::uint32_t firstIndex;
+        std::uint32_t firstOrder;
+    };
+    std::vector<NameRun> runs;
+
+    std::uint32_t orderInRuns(std::uint32_t index) const;
+
+  private:
+    std::size_t slotOf(QStringView text, std::uint32_t hash) const;
+    void grow();
+
+    std::vector<ESAtom> slots_;
+    std::size_t used_ = 0;
+};
+
+namespace {
+
+ESAtomTable& atoms() {
+    static ESAtomTable table;
+    return table;
+}
+
+// Touched before main, so that "0" to "99" come first and nothing pays for the set-up later.
+[[maybe_unused]] const ESAtomTable& touched = atoms();
+
+// The decimal digits of a number, at the end of a buffer.
+QStringView decimalText(std::uint32_t number, std::array<char16_t, 10>& buffer) {
+    char16_t* end = buffer.data() + buffer.size();
+    char16_t* begin = end;
+    do {
+        *--begin = static_cast<char16_t>(u'0' + number % 10);
+        number /= 10;
+    } while (number != 0);
+    return QStringView(begin, end);
+}
+
+} // namespace
+
+ESAtomTable::ESAtomTable() : slots_(1024) {
+    std::array<char16_t, 10> buffer;
+    for (std::uint32_t i = 0; i < 100; ++i) {
+        smallNumbers[i] = intern(decimalText(i, buffer), ++lastTextOrder);
+    }
+}
+
+std::size_t ESAtomTable::slotOf(QStringView text, std::uint32_t hash) const {
+    const std::size_t mask = slots_.size() - 1;
+    std::size_t slot = hash & mask;
+    while (const ESAtom atom = slots_[slot]) {
+        if (atom->hash == hash && atom->text.length() == static_cast<std::size_t>(text.size()) &&
+            std::memcmp(atom->text.characters(), text.utf16(), static_cast<std::size_t>(text.size()) * 2) == 0) {
+            break;
+        }
+        slot = (slot + 1) & mask;
+    }
+    return slot;
+}
+
+ESAtom ESAtomTable::find(QStringView text) const { return slots_[slotOf(text, hashOf(text))]; }
+
+ESAtom ESAtomTable::intern(QStringView text, std::uint32_t order) {
+    const std::uint32_t hash = hashOf(text);
+    std::size_t slot = slotOf(text, hash);
+    if (slots_[slot] != nullptr) {
+        return slots_[slot];
+    }
+    if ((used_ + 1) * 2 > slots_.size()) {
+        grow();
+        slot = slotOf(text, hash);
+    }
+    auto* entry = static_cast<ESAtomEntry*>(arena.allocate(sizeof(ESAtomEntry)));
+    auto* copy = arena.allocateArray<char16_t>(std::max<std::size_t>(static_cast<std::size_t>(text.size()), 1));
+    std::memcpy(copy, text.utf16(), static_cast<std::size_t>(text.size()) * 2);
+    entry->index = -1;
+    entry->hash = hash;
+    entry->arrayIndex = parseArrayIndex(text);
+    // A name that was used as an element counts from then on.
+    const bool counted = entry->arrayIndex >= 100 && entry->arrayIndex < indexNameWatermark;
+    entry->order = counted ? orderInRuns(entry->arrayIndex) : order != 0 ? order : ++lastTextOrder;
+    entry->text.length_ = static_cast<std::uint32_t>(text.size());
+    entry->text.order_ = entry->order;
+    entry->text.characters_ = copy;
+    entry->text.buffer_ = nullptr;
+    entry->text.atom_ = entry;
+    slots_[slot] = entry;
+    ++used_;
+    return entry;
+}
+
+void ESAtomTable::grow() {
+    std::vector<ESAtom> old(slots_.size() * 2);
+    old.swap(slots_);
+    const std::size_t mask = slots_.size() - 1;
+    for (const ESAtom atom : old) {
+        if (atom != nullptr) {
+            std::size_t slot = atom->hash & mask;
+            while (slots_[slot] != nullptr) {
+                slot = (slot + 1) & mask;
+            }
+            slots_[slot] = atom;
+        }
+    }
+}
+
+std::uint32_t ESAtomTable::orderInRuns(std::uint32_t index) const {
+    auto run = std::upper_bound(runs.begin(), runs.end(), index,
+                                [](std::uint32_t i, const NameRun& r) { return i < r.firstIndex; });
+    --run;
+    return run->firstOrder + (index - run->firstIndex);
+}
+
+ESAtom intern(QStringView text) { return atoms().intern(text, 0); }
+
+ESAtom intern(const char* latin1) {
+    char16_t buffer[128];
+    const std::size_t length = std::strlen(latin1);
+    if (length > std::size(buffer)) {
+        return intern(QString::fromLatin1(latin1));
+    }
+    std::copy(latin1, latin1 + length, buffer);
+    return intern(QStringView(buffer, static_cast<qsizetype>(length)));
+}
+
+ESAtom internText(const ESText& text) {
+    if (const ESAtom known = text.knownAtom()) {
+        return known;
+    }
+    const ESAtom atom = atoms().intern(text.view(), text.order());
+    text.rememberAtom(atom);
+    return atom;
+}
+
+ESAtom findAtom(QStringView text) { return atoms().find(text); }
+
+ESAtom indexAtom(std::uint32_t number) {
+    if (number < 100) {
+        return atoms().smallNumbers[number];
+    }
+    std::array<char16_t, 10> buffer;
+    return intern(decimalText(number, buffer));
+}
+
+ESAtom characterAtom(char16_t character) {
+    ESAtomTable& table = atoms();
+    if (character > 255) {
+        return intern(QStringView(&character, 1));
+    }
+    ESAtom& known = table.characters[character];
+    if (known == nullptr) {
+        known = intern(QStringView(&character, 1));
+    }
+    return known;
+}
+
+std::int32_t compiledIndex(ESAtom atom) {
+    if (atom->index < 0) {
+        ESAtomTable& table = atoms();
+        table.compiled.push_back(atom);
+        atom->index = static_cast<std::int32_t>(table.compiled.size()) - 1;
+    }
+    return atom->index;
+}
+
+ESAtom atomAt(std::int32_t index) { return atoms().compiled[static_cast<std::size_t>(index)]; }
+
+void noteNewIndexName(std::uint32_t index) {
+    ESAtomTable& table = atoms();
+    if (index > indexNameWatermark) {
+        indexAtom(index);
+        return;
+    }
+    const std::uint32_t order = ++lastTextOrder;
+    if (table.runs.empty() || table.runs.back().firstOrder + (index - table.runs.back().firstIndex) != order) {
+        table.runs.push_back({index, order});
+    }
+    indexNameWatermark = index + 1;
+}
+
+void noteIndexNames(std::uint32_t count) {
+    if (count <= indexNameWatermark) {
+        return;
+    }
+    noteIndexName(indexNameWatermark);
+    lastTextOrder += count - indexNameWatermark;
+    indexNameWatermark = count;
+}
+
+std::uint32_t indexNameOrder(std::uint32_t index) {
+    std::array<char16_t, 10> buffer;
+    if (const ESAtom atom = atoms().find(decimalText(index, buffer))) {
+        return atom->order;
+    }
+    return atoms().orderInRuns(index);
+}
+
+void internWellKnownAtoms() {
+    WellKnownAtoms& w = wellKnownAtoms;
+    w.length = intern("length");
+    w.prototype = intern("prototype");
+    w.null_ = intern("null");
+    w.true_ = intern("true");
+    w.false_ = intern("false");
+    w.eval = intern("eval");
+    w.arguments = intern("arguments");
+    w.callee = intern("callee");
+    w.constructor = intern("constructor");
+    w.index = intern("index");
+    w.empty = intern("");
+    w.message = intern("message");
+    w.name = intern("name");
+    w.valueOf = intern("valueOf");
+    w.toString = intern("toString");
+}

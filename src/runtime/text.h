@@ -1,0 +1,78 @@
+// ESText, the characters of a script string: UTF-16 code units that never change once they can be seen. A
+// concatenation holds its two halves and is flattened when somebody first looks; an append behind the end of
+// a buffer with room goes in place. Atoms (atom.h) hold a text each, so both string tags read alike.
+#pragma once
+
+#include "runtime/value.h"
+
+#include <QStringView>
+#include <cstdint>
+
+class ESArena;
+
+// The order in which texts and atoms came into being is counted here.
+inline std::uint32_t lastTextOrder = 0;
+inline std::uint32_t nextTextOrder() { return ++lastTextOrder; }
+
+// Characters that texts share. Texts that end at `used` may be extended in place.
+struct ESTextBuffer {
+    std::uint32_t used;
+    std::uint32_t capacity;
+    char16_t characters[1];
+};
+
+class ESText {
+  public:
+    static constexpr std::uint32_t maxLength = 0x3FFFFFFF; // code units
+
+    std::uint32_t length() const { return length_; }
+
+    // Position in the order in which texts came into being; an atom made of the text inherits it.
+    std::uint32_t order() const { return order_; }
+
+    bool isFlat() const { return characters_ != nullptr; }
+
+    // The characters, which stay where they are until the text's arena goes. Flattens a concatenation, for
+    // which it may throw std::bad_alloc.
+    const char16_t* characters() const {
+        if (characters_ == nullptr) [[unlikely]] {
+            flatten();
+        }
+        return characters_;
+    }
+    QStringView view() const { return QStringView(characters(), static_cast<qsizetype>(length_)); }
+
+    // The atom of this text if one has been made from it already, else null.
+    ESAtom knownAtom() const { return characters_ == nullptr ? nullptr : atom_; }
+    void rememberAtom(ESAtom atom) const { atom_ = atom; }
+
+    // A text of its own: copies the characters into the arena.
+    static const ESText* make(ESArena& arena, QStringView characters);
+    // A text over characters that outlive it; nothing is copied.
+    static const ESText* makeView(ESArena& arena, const char16_t* characters, std::uint32_t length);
+    // A part of another text, sharing its characters. from + length must lie within it.
+    static const ESText* makePart(ESArena& arena, const ESText& whole, std::uint32_t from, std::uint32_t length);
+    // left followed by right. The sum of the lengths must not pass maxLength.
+    static const ESText* concatenate(ESArena& arena, const ESText& left, const ESText& right);
+
+  private:
+    friend class ESAtomTable;
+    ESText() = default;
+    void flatten() const;
+
+    std::uint32_t length_;
+    std::uint32_t order_;
+    mutable const char16_t* characters_; // null in a concatenation that nobody has looked at
+    union {
+        mutable ESTextBuffer* buffer_; // flat: where the characters lie if they can be extended, or null
+        mutable const ESText* left_;
+    };
+    union {
+        mutable ESAtom atom_; // flat: the atom of this text, or null
+        mutable const ESText* right_;
+    };
+};
+static_assert(sizeof(ESText) == 32);
+
+// The arena of a concatenation is needed again when it is flattened; texts of all contexts share this one.
+ESArena& textArena();

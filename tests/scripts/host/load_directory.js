@@ -1,0 +1,2 @@
+// args-only: -load /tmp
+// expect error: cannot load /tmp

@@ -1,0 +1,2 @@
+// args-only: -verbose
+// exit: 0

@@ -1,0 +1,127 @@
+// The sort isn't stable, so what it compares, and in which order, shows in its results. All its roads are
+// checked against the plain algorithm.
+var u = undefined;
+var failures = 0;
+var seed = 12345;
+function random(below) {
+    seed = (seed * 16807) % 2147483647;
+    return seed % below;
+}
+function plainSort(a, after) {
+    var n = a.length;
+    for (var g = Math.floor((n + 3) / 5); g > 0; g = Math.floor((g + 1) / 3)) {
+        for (var i = n - 1; i >= g; i--) {
+            var x = a[i - g];
+            var free = -1;
+            for (var j = i; j < n; j = j + g) {
+                var y = a[j];
+                if (x == u ? y == u : y == u || !after(x, y)) {
+                    break;
+                }
+                a[j - g] = y;
+                free = j;
+            }
+            if (free >= 0) {
+                if (x == u) { delete a[free]; } else { a[free] = x; }
+            }
+        }
+    }
+}
+function textAfter(x, y) {
+    return String(x) > String(y);
+}
+var log = "";
+function byTens(x, y) { // equal tens stay as the sort has them
+    log = log + x + "?" + y + " ";
+    return Math.floor(x / 10) - Math.floor(y / 10);
+}
+function tensAfter(x, y) {
+    return byTens(x, y) > 0;
+}
+function state(a) {
+    var text = a.length + ":";
+    for (var i = 0; i < a.length; i++) {
+        text = text + (a.hasOwnProperty(i) ? a[i] : "-") + ",";
+    }
+    return text;
+}
+function check(what, actual, expected) {
+    if (actual != expected && failures++ < 5) {
+        WScript.Echo(what + " gives " + actual + " instead of " + expected + "\n");
+    }
+}
+function boxed(text) {
+    var o = new Object();
+    o.toString = function () { log = log + text + " "; return text; };
+    return o;
+}
+function copy(a, b) {
+    for (var i = 0; i < a.length; i++) {
+        if (a.hasOwnProperty(i)) {
+            b[i] = a[i];
+        }
+    }
+    b.length = a.length;
+    return b;
+}
+for (var run = 0; run < 60; run++) {
+    var count = run < 20 ? run : random(120);
+    var a = new Array(count);
+    var numbers = [];
+    var objects = [];
+    for (var i = 0; i < count; i++) {
+        var kind = random(9);
+        a[i] = kind == 0 ? u : kind == 1 ? null : kind == 2 ? random(2) == 1 : kind == 3 ? "t" + random(50)
+             : kind == 4 ? random(100) / 8 : random(1000);
+        if (kind == 5) {
+            delete a[i];
+        }
+        numbers[i] = random(100);
+        objects[i] = run < 30 && i % 3 == 0 ? boxed("o" + random(9)) : random(40);
+    }
+    var model = copy(a, []);
+    plainSort(model, textAfter);
+    var o = copy(a, new Object());
+    o.sort = a.sort;
+    check("the result of run " + run, state(copy(a, []).sort()), state(model));
+    check("an object in run " + run, state(o.sort()), state(model));
+
+    log = "";
+    model = copy(numbers, []);
+    plainSort(model, tensAfter);
+    var expected = log + state(model);
+    log = "";
+    check("the comparisons of run " + run, state(copy(numbers, []).sort(byTens)) && log + state(model), expected);
+    check("the order of run " + run, state(copy(numbers, []).sort(byTens)), state(model));
+
+    model = copy(objects, []);
+    log = "";
+    plainSort(model, textAfter);
+    expected = log;
+    log = "";
+    var sorted = copy(objects, []).sort();
+    check("the conversions of run " + run, log, expected);
+    check("objects in run " + run, state(sorted), state(model));
+}
+function show(label, value) {
+    WScript.Echo(label + ": " + value + "\n");
+}
+show("failures", failures);
+show("texts", [3, 20, 100].sort() + ";" + ["b", null, "a"].sort().join() + ";" + ["b", "B", "\xe9", "a"].sort());
+show("undefined", state([3, u, 1].sort()) + state([u, u, 1].sort()) + state([3, , 1, u].sort()));
+show("code units", ["\uffff", "\ud800\udc00"].sort()[0].charCodeAt(0));
+show("no number", [1, 2].sort(function () {}) + ";" + [1, 2, 3].sort(function () { return "1"; }) + ";" +
+     [1, 2].sort(function () { return null; }));
+var self = [2, 1];
+show("this and result", self.sort(function (x, y) { ok = this == self; return x - y; }) + ok);
+var ok;
+self = [5, 3, 8, 1, 9, 2];
+self.sort(function (x, y) { self.length = 2; return x - y; });
+show("a comparator that cuts", self.length >= 2);
+self = [5, 3, 8, 1];
+show("a comparator that fails", eval("self.sort(function (x, y) { if (x == 3) { missing(); } return x - y; })"));
+show("leaves", self.concat().sort().join());
+show("own put", state(eval("var p = [2, 1]; p.length = 5; p.sort()")));
+[2, 1].sort(5);
+// expect: failures: 0
+// expect error: x

@@ -1,0 +1,54 @@
+// Object and the members of its prototype.
+function show(label, value) {
+    WScript.Echo(label + ": " + value + "\n");
+}
+var o = new Object();
+o.own = 1;
+show("Object()", Object() + " " + Object(null) + " " + Object(undefined));
+show("Object(1)", typeof Object(1) + " " + (Object(1) + 1) + " " + Object(1).constructor.prototype.toString());
+show("Object(o)", (Object(o) == o) + " " + (new Object(o) == o));
+show("new Object(1)", (new Object(1)).valueOf() + " " + (new Object("text")).length + " " + new Object(false));
+
+function textOf(thing) {
+    thing.asText = Object.prototype.toString;
+    return thing.asText();
+}
+show("toString", textOf(o) + textOf([]) + textOf(new Date()) + textOf(new Error()) + textOf(show) + textOf(this) +
+     textOf(WScript) + textOf(Math) + textOf(new Boolean(0)));
+show("toLocaleString", o.toLocaleString() + (new Number(1)).constructor);
+show("name does not decide", (new Object()).toString.length);
+
+show("valueOf", (o.valueOf() == o) + " " + (new Number(3)).valueOf());
+show("hasOwnProperty", o.hasOwnProperty("own") + " " + o.hasOwnProperty("toString") + " " + o.hasOwnProperty() + " " +
+     [].hasOwnProperty("length") + " " + [1, 2].hasOwnProperty(1) + " " + [1, 2].hasOwnProperty("1") + " " +
+     [1, 2].hasOwnProperty(2));
+show("isPrototypeOf", Object.prototype.isPrototypeOf(o) + " " + o.isPrototypeOf(o) + " " + o.isPrototypeOf(1) + " " +
+     Array.prototype.isPrototypeOf([]) + " " + Object.prototype.isPrototypeOf(Object.prototype));
+show("propertyIsEnumerable", o.propertyIsEnumerable("own") + " " + o.propertyIsEnumerable("toString") + " " +
+     [7].propertyIsEnumerable(0) + " " + [7].propertyIsEnumerable(1) + " " + Math.propertyIsEnumerable("PI"));
+var names = "";
+for (var k in o) {
+    names = names + k + " ";
+}
+show("enumeration", names);
+show("full names", Object.value + " " + o.toString);
+show("no conversion", eval("Object.prototype.toString.call"));
+var bare = o.toString;
+show("bare call", bare());
+new o.toString();
+// expect: Object(): [object Object] [object Object] [object Object]
+// expect: Object(1): object 2 0
+// expect: Object(o): true true
+// expect: new Object(1): 1 4 false
+// expect: toString: [object Object][object Array][object Date][object Error][object Function][object global][object Object][object Math][object Boolean]
+// expect: toLocaleString: [object Object]<<function>>
+// expect: name does not decide: 0
+// expect: valueOf: true 3
+// expect: hasOwnProperty: true false false true true true false
+// expect: isPrototypeOf: true false false true false
+// expect: propertyIsEnumerable: true false true false false
+// expect: enumeration: constructor toString toLocaleString valueOf hasOwnProperty isPrototypeOf propertyIsEnumerable own 
+// expect: full names: undefined <<function>>
+// expect: no conversion: undefined
+// expect: bare call: [object global]
+// expect error: line 38: new must be given a constructor object
