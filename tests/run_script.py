@@ -210,7 +210,7 @@ def failures(script, program, measure):
             path = folder / name
             path.parent.mkdir(parents=True, exist_ok=True)
             path.write_bytes(content)
-        environment = dict(os.environ, TZ="UTC", **expected.env)
+        environment = dict(os.environ, TZ="UTC") | expected.env
         command = wrapper + [names["program"]] + expected.command()
         status, out, err, seconds, memory = run(command, folder, environment, limit)
 

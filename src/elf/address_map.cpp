@@ -25,7 +25,8 @@ AddressMap::AddressMap(std::vector<AddressRun> programs) {
             edges.push_back({program.end, i, false});
         }
     }
-    std::sort(edges.begin(), edges.end(), [](const Edge& a, const Edge& b) { return a.position < b.position; });
+    std::sort(edges.begin(), edges.end(),
+              [](const Edge& a, const Edge& b) { return a.position < b.position; });
 
     std::set<std::size_t, std::greater<>> open; // the programs at the current position, the last one first
     std::uint64_t position = 0;
@@ -53,7 +54,8 @@ std::optional<std::span<std::uint8_t>> AddressMap::piece(std::uint32_t address, 
 
 void AddressMap::append(std::uint64_t start, std::uint64_t end, const AddressRun& program) {
     std::uint8_t* data = program.data + (start - program.start);
-    if (!runs_.empty() && runs_.back().end == start && runs_.back().data + (start - runs_.back().start) == data) {
+    if (!runs_.empty() && runs_.back().end == start &&
+        runs_.back().data + (start - runs_.back().start) == data) {
         runs_.back().end = end;
     } else {
         runs_.push_back({start, end, data});

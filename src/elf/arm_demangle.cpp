@@ -85,17 +85,14 @@ struct Code {
 };
 
 constexpr std::array operators = std::to_array<Code>({
-    {"nw", " new"},   {"dl", " delete"}, {"vn", " new []"}, {"vd", " delete []"},
-    {"as", "="},      {"eq", "=="},      {"ne", "!="},      {"lt", "<"},
-    {"gt", ">"},      {"le", "<="},      {"ge", ">="},      {"pl", "+"},
-    {"mi", "-"},      {"ml", "*"},       {"dv", "/"},       {"md", "%"},
-    {"er", "^"},      {"ad", "&"},       {"or", "|"},       {"co", "~"},
-    {"nt", "!"},      {"aa", "&&"},      {"oo", "||"},      {"ls", "<<"},
-    {"rs", ">>"},     {"pp", "++"},      {"mm", "--"},      {"cl", "()"},
-    {"vc", "[]"},     {"rf", "->"},      {"rm", "->*"},     {"cm", ", "},
-    {"sz", "sizeof "}, {"apl", "+="},    {"ami", "-="},     {"amu", "*="},
-    {"aml", "*="},    {"adv", "/="},     {"amd", "%="},     {"aer", "^="},
-    {"aad", "&="},    {"aor", "|="},     {"als", "<<="},    {"ars", ">>="},
+    {"nw", " new"}, {"dl", " delete"}, {"vn", " new []"}, {"vd", " delete []"}, {"as", "="},   {"eq", "=="},
+    {"ne", "!="},   {"lt", "<"},       {"gt", ">"},       {"le", "<="},         {"ge", ">="},  {"pl", "+"},
+    {"mi", "-"},    {"ml", "*"},       {"dv", "/"},       {"md", "%"},          {"er", "^"},   {"ad", "&"},
+    {"or", "|"},    {"co", "~"},       {"nt", "!"},       {"aa", "&&"},         {"oo", "||"},  {"ls", "<<"},
+    {"rs", ">>"},   {"pp", "++"},      {"mm", "--"},      {"cl", "()"},         {"vc", "[]"},  {"rf", "->"},
+    {"rm", "->*"},  {"cm", ", "},      {"sz", "sizeof "}, {"apl", "+="},        {"ami", "-="}, {"amu", "*="},
+    {"aml", "*="},  {"adv", "/="},     {"amd", "%="},     {"aer", "^="},        {"aad", "&="}, {"aor", "|="},
+    {"als", "<<="}, {"ars", ">>="},
 });
 
 constexpr std::array fundamentals = std::to_array<Code>({
@@ -112,8 +109,10 @@ constexpr std::array fundamentals = std::to_array<Code>({
     {"w", "wchar_t"},
 });
 
-template <std::size_t Size> std::string_view textOf(const std::array<Code, Size>& codes, std::string_view code) {
-    const auto found = std::find_if(codes.begin(), codes.end(), [&](const Code& c) { return c.code == code; });
+template <std::size_t Size>
+std::string_view textOf(const std::array<Code, Size>& codes, std::string_view code) {
+    const auto found =
+        std::find_if(codes.begin(), codes.end(), [&](const Code& c) { return c.code == code; });
     return found == codes.end() ? std::string_view() : found->text;
 }
 
@@ -276,7 +275,8 @@ bool ArmParser::signature(Cursor cursor, std::string_view root, std::string& out
             return false;
         }
         out += root == "__dt" ? "~" + cls.shortName : cls.shortName;
-    } else if (const auto op = root.starts_with("__") ? textOf(operators, root.substr(2)) : std::string_view();
+    } else if (const auto op =
+                   root.starts_with("__") ? textOf(operators, root.substr(2)) : std::string_view();
                !op.empty()) {
         out.append("operator").append(op);
     } else {
@@ -285,15 +285,17 @@ bool ArmParser::signature(Cursor cursor, std::string_view root, std::string& out
     if (isFunction) {
         out += "(" + list + ")";
     }
-    out.append(isConst ? " const" : "").append(isVolatile ? " volatile" : "").append(isStatic ? " static" : "");
+    out.append(isConst ? " const" : "")
+        .append(isVolatile ? " volatile" : "")
+        .append(isStatic ? " static" : "");
     return true;
 }
 
 bool ArmParser::className(Cursor& cursor, ClassName& cls) {
     std::size_t length = 0;
     std::string_view text;
-    return cursor.takeNumber(length) && length > 0 && cursor.takeText(length, text) && !isDigit(text.front()) &&
-           classText(text, cls);
+    return cursor.takeNumber(length) && length > 0 && cursor.takeText(length, text) &&
+           !isDigit(text.front()) && classText(text, cls);
 }
 
 bool ArmParser::qualifiedName(Cursor& cursor, ClassName& cls) {
@@ -511,7 +513,8 @@ std::optional<std::string> demangleArm(std::string_view name) {
     std::string out;
     std::string_view rest = name;
     while (rest.starts_with(destructors) || rest.starts_with(constructors)) {
-        out += rest.starts_with(destructors) ? "global destructors keyed to " : "global constructors keyed to ";
+        out +=
+            rest.starts_with(destructors) ? "global destructors keyed to " : "global constructors keyed to ";
         rest.remove_prefix(destructors.size());
     }
     std::string plain;

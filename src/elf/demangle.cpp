@@ -4,7 +4,6 @@
 
 #include <array>
 #include <csetjmp>
-#include <cstring>
 #include <libiberty/demangle.h>
 
 namespace {
@@ -77,7 +76,7 @@ bool runLibrary(const char* name, OutputSink& sink) {
 class TerminatedName {
 public:
     explicit TerminatedName(std::string_view name) {
-        std::memcpy(buffer_.data(), name.data(), name.size());
+        name.copy(buffer_.data(), name.size());
         buffer_[name.size()] = '\0';
     }
     const char* get() const { return buffer_.data(); }

@@ -1,6 +1,6 @@
-// Symbol names in the form that people write. demangle() is the definition; matchesName() answers the question
-// that a lookup asks without building texts that nobody wants. The ARM style is in arm_demangle.h, the lookup
-// in symbol_index.h.
+// Symbol names in the form that people write. demangle() is the definition; matchesName() answers the
+// question that a lookup asks without building texts that nobody wants. The ARM style is in arm_demangle.h,
+// the lookup in symbol_index.h.
 #pragma once
 
 #include <cstddef>
@@ -16,7 +16,9 @@ enum class NameStyle {
 constexpr std::size_t maxDemangledLength = 64 * 1024;
 
 // Longer names stay as they are. For GNU v3 this is where the library gives up.
-constexpr std::size_t maxMangledLength(NameStyle style) { return style == NameStyle::GnuV3 ? 1024 : 16 * 1024; }
+constexpr std::size_t maxMangledLength(NameStyle style) {
+    return style == NameStyle::GnuV3 ? 1024 : 16 * 1024;
+}
 
 // The name without the extra underscore that some tools put before "_Z".
 constexpr std::string_view withoutExtraUnderscore(std::string_view name) {

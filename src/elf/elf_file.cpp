@@ -16,7 +16,9 @@ namespace {
 constexpr unsigned char thumbFunctionType = 13;
 constexpr unsigned char thumbLabelType = 15;
 
-[[noreturn]] void fail(const char* what, const FilePath& path) { throw HException(what + path.ascii().toStdString()); }
+[[noreturn]] void fail(const char* what, const FilePath& path) {
+    throw HException(what + path.ascii().toStdString());
+}
 
 std::uint64_t endOf(const Elf32_Shdr& header) { return std::uint64_t{header.sh_offset} + header.sh_size; }
 
@@ -36,7 +38,8 @@ void demandStrings(const ElfSection& section) {
 }
 
 bool beginsWith(const ElfSection& section, std::string_view text) {
-    return section.data.size() >= text.size() && std::memcmp(section.data.data(), text.data(), text.size()) == 0;
+    return section.data.size() >= text.size() &&
+           std::memcmp(section.data.data(), text.data(), text.size()) == 0;
 }
 
 } // namespace
@@ -170,8 +173,9 @@ void ElfFile::buildSymbolTable(const RecordReader& reader, std::uint32_t address
     if (count > 0) {
         demandStrings(*strings);
     }
-    symbolTable_ = SymbolTable(reader, header.sh_offset, count,
-                               view_.bytes(strings->header.sh_offset, strings->header.sh_size), addressOffset, style);
+    symbolTable_ =
+        SymbolTable(reader, header.sh_offset, count,
+                    view_.bytes(strings->header.sh_offset, strings->header.sh_size), addressOffset, style);
 }
 
 const ElfSection* ElfFile::findSection(std::string_view name) const {
@@ -230,9 +234,11 @@ ElfSymbol ElfFile::symbolAt(std::uint32_t number, QString name) const {
 std::vector<ElfSymbol> ElfFile::symbolsByValue() const {
     std::vector<ElfSymbol> symbols;
     for (std::uint32_t number = 0; number < symbolTable_.count(); ++number) {
-        const std::string name = demangle(symbolTable_.mangledName(number, view_.size()), symbolTable_.style());
+        const std::string name =
+            demangle(symbolTable_.mangledName(number, view_.size()), symbolTable_.style());
         if (!name.empty() && name.front() != '$' && symbolTable_.entry(number).st_shndx < header_.e_shnum) {
-            symbols.push_back(symbolAt(number, QString::fromLatin1(name.data(), static_cast<qsizetype>(name.size()))));
+            symbols.push_back(
+                symbolAt(number, QString::fromLatin1(name.data(), static_cast<qsizetype>(name.size()))));
         }
     }
     std::stable_sort(symbols.begin(), symbols.end(),

@@ -1,6 +1,6 @@
-// ElfFile, one 32-bit ELF file in memory. The image holds the file's own bytes from loading to saving; headers
-// are copies in host order, everything else looks into the image. A patch is a write into the image, and
-// nothing is ever laid out again. What scripts see of it is in elf_file_class.h.
+// ElfFile, one 32-bit ELF file in memory. The image holds the file's own bytes from loading to saving;
+// headers are copies in host order, everything else looks into the image. A patch is a write into the image,
+// and nothing is ever laid out again. What scripts see of it is in elf_file_class.h.
 #pragma once
 
 #include "elf/address_map.h"
@@ -71,11 +71,12 @@ public:
     const ElfSection* findSection(std::string_view name) const;
     // Empty when the file has no section names.
     std::string_view sectionName(const ElfSection& section) const;
-    // The text up to a NUL or the section's end; empty outside of it. Throws HException "not a string section".
+    // The text up to a NUL or the section's end; empty outside of it. Throws HException "not a string
+    // section".
     static QString stringAt(const ElfSection& section, std::uint32_t offset);
 
-    // The symbol with this demangled name, the first in the file if there are several, or null. The first call
-    // costs an index over all symbols.
+    // The symbol with this demangled name, the first in the file if there are several, or null. The first
+    // call costs an index over all symbols.
     const ElfSymbol* findSymbol(const char* name);
     // The symbols that belong to a section, by ascending value. Demangles all names at each call.
     std::vector<ElfSymbol> symbolsByValue() const;

@@ -241,7 +241,8 @@ bool takeOver(int fd, const struct stat* old) {
 }
 
 // `old` describes the file at `target`, or is null when there is none.
-WriteResult replaceFile(const std::string& target, const struct stat* old, std::span<const std::uint8_t> image) {
+WriteResult replaceFile(const std::string& target, const struct stat* old,
+                        std::span<const std::uint8_t> image) {
     NewFile file(folderOf(target));
     if (!file.open()) {
         return WriteResult::CannotOpen;
@@ -268,7 +269,8 @@ bool groupCanStay(const struct stat& old) {
     }
     std::array<gid_t, NGROUPS_MAX> groups;
     const int count = getgroups(static_cast<int>(groups.size()), groups.data());
-    return count > 0 && std::find(groups.begin(), groups.begin() + count, old.st_gid) != groups.begin() + count;
+    return count > 0 &&
+           std::find(groups.begin(), groups.begin() + count, old.st_gid) != groups.begin() + count;
 }
 
 } // namespace

@@ -12,7 +12,8 @@
 class ImageBytes {
 public:
     ImageBytes() = default;
-    ImageBytes(std::unique_ptr<std::uint8_t[]> bytes, std::size_t size) : bytes_(std::move(bytes)), size_(size) {}
+    ImageBytes(std::unique_ptr<std::uint8_t[]> bytes, std::size_t size)
+        : bytes_(std::move(bytes)), size_(size) {}
 
     std::span<std::uint8_t> span() const { return {bytes_.get(), size_}; }
 

@@ -9,8 +9,13 @@ namespace {
 
 constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 constexpr bool isLower(char c) { return c >= 'a' && c <= 'z'; }
-constexpr bool isUpper(char c) { return c >= 'A' && c <= 'Z'; }
-constexpr bool isOneOf(char c, std::string_view set) { return set.find(c) != std::string_view::npos; }
+constexpr bool isOneOf(char c, std::string_view set) {
+    bool found = false;
+    for (const char each : set) {
+        found = found || each == c;
+    }
+    return found;
+}
 
 // Everything that the demangler puts between names, and what could be mistaken for it.
 constexpr auto wordCharacters = [] {
@@ -31,7 +36,7 @@ bool mayBeType(std::string_view name) {
     }
     const std::string_view base = name.substr(start);
     const char first = base.front();
-    if (first == 'u') { // a vendor's type has a length next
+    if (isOneOf(first, "uUL")) { // what comes from vendors or is local has a length next
         return base.size() > 1 && isDigit(base[1]);
     }
     if (isOneOf(first, "kpq")) { // no types, but the codes of operators, and those go as names of classes
@@ -40,7 +45,10 @@ bool mayBeType(std::string_view name) {
     if (isLower(first)) { // a fundamental type is complete with its letter
         return base.size() == 1;
     }
-    return isUpper(first) || isDigit(first);
+    if (isOneOf(first, "FN")) { // functions and scopes have an end
+        return base.back() == 'E';
+    }
+    return isOneOf(first, "ADMSTZ") || isDigit(first);
 }
 
 class ScopeReader {
@@ -49,21 +57,22 @@ public:
 
     // The last identifier of the scope, or the empty text.
     std::string_view lastIdentifier() {
-        if (!skipPrefixes()) {
+        if (!isDigit(peek()) && peek() != 'N' && !skipPrefixes()) {
             return {};
         }
-        const bool nested = take("N");
-        while (nested && !rest_.empty() && isOneOf(rest_.front(), "rVKRO")) {
+        const bool nested = take('N');
+        while (nested && isOneOf(peek(), "rVKRO")) {
             rest_.remove_prefix(1);
         }
         // The abbreviations of the standard library; only "St" takes a name outside of a nested one.
-        if (!take("St") && nested && rest_.size() > 1 && rest_[0] == 'S' && isOneOf(rest_[1], "absiod")) {
+        if (peek() == 'S' && rest_.size() > 1 && isOneOf(rest_[1], nested ? "tabsiod" : "t")) {
             rest_.remove_prefix(2);
         }
         std::string_view last;
         std::string_view identifier;
         while (takeIdentifier(identifier)) {
-            if (!identifier.starts_with("_GLOBAL_")) { // may be shown as "(anonymous namespace)"
+            if (identifier.front() != '_' ||
+                !identifier.starts_with("_GLOBAL_")) { // may be "(anonymous namespace)"
                 last = identifier;
             }
             if (!nested) {
@@ -74,6 +83,16 @@ public:
     }
 
 private:
+    // NUL at the end.
+    char peek() const { return rest_.empty() ? '\0' : rest_.front(); }
+
+    bool take(char c) {
+        if (peek() != c) {
+            return false;
+        }
+        rest_.remove_prefix(1);
+        return true;
+    }
     bool take(std::string_view text) {
         if (!rest_.starts_with(text)) {
             return false;
@@ -95,39 +114,38 @@ private:
         } else if (!take("GV") && !take("TV") && !take("TT") && !take("TI")) {
             take("TS");
         }
-        while (take("Z")) {
+        while (take('Z')) {
         }
         return true;
     }
 
     bool skipOffset() {
-        take("n");
+        take('n');
         const std::size_t end = rest_.find_first_not_of("0123456789");
         if (end == 0 || end == std::string_view::npos) {
             return false;
         }
         rest_.remove_prefix(end);
-        return take("_");
+        return take('_');
     }
 
     bool takeIdentifier(std::string_view& identifier) {
-        if (rest_.size() > 1 && rest_[0] == 'L' && isDigit(rest_[1])) { // of internal linkage
+        if (peek() == 'L' && rest_.size() > 1 && isDigit(rest_[1])) { // of internal linkage
             rest_.remove_prefix(1);
         }
-        if (rest_.empty() || !isDigit(rest_.front()) || rest_.front() == '0') {
+        if (!isDigit(peek()) || peek() == '0') {
             return false;
         }
         std::size_t length = 0;
-        std::size_t digits = 0;
-        while (digits < rest_.size() && isDigit(rest_[digits]) && length < rest_.size()) {
-            length = length * 10 + static_cast<std::size_t>(rest_[digits] - '0');
-            ++digits;
+        while (isDigit(peek()) && length < maxMangledLength(NameStyle::GnuV3)) {
+            length = length * 10 + static_cast<std::size_t>(peek() - '0');
+            rest_.remove_prefix(1);
         }
-        if (length > rest_.size() - digits) {
+        if (length > rest_.size()) {
             return false;
         }
-        identifier = rest_.substr(digits, length);
-        rest_.remove_prefix(digits + length);
+        identifier = std::string_view(rest_.data(), length);
+        rest_.remove_prefix(length);
         return true;
     }
 
@@ -137,25 +155,118 @@ private:
 // The words of the demangler itself, of four letters and more, in order. What isn't here and isn't taken from
 // the mangled name makes a lookup fail, so words too many do no harm.
 constexpr auto demanglerWords = std::to_array<std::string_view>({
-    "Class",         "JArray",        "_Accum",        "_BitInt",       "_Complex",         "_Fract",      "_Imaginary",
-    "_Sat",          "__float128",    "__int128",      "__vector",         "alias",       "alignof",
-    "allocator",     "anonymous",     "auto",          "basic_iostream",   "basic_istream", "basic_ostream",
-    "basic_string",  "bfloat16_t",    "binding",       "bool",             "boolean",     "byte",
-    "char",          "char16_t",      "char32_t",      "char8_t",          "char_traits", "class",
-    "clone",         "co_await",      "const",         "const_cast",       "construction", "constructors",
-    "covariant",     "decimal128",    "decimal32",     "decimal64",        "decltype",    "default",
-    "delete",        "destructors",   "double",        "dynamic_cast",     "enum",        "false",
-    "float",         "function",      "global",        "guard",            "half",        "hidden",
-    "init",          "initializer",   "iostream",      "istream",          "java",        "keyed",
-    "lambda",        "literal",       "local",         "localalias",       "long",        "module",
-    "name",          "namespace",     "noexcept",      "nullptr",       "nullptr_t",        "object",      "operator",
-    "ostream",       "parameter",     "parm",          "part",             "property",    "reference",
-    "reinterpret_cast", "requires",   "resource",      "restrict",         "return",      "short",
-    "signed",        "sizeof",        "static_cast",   "string",           "structured",  "template",
-    "temporary",     "this",          "throw",         "thunk",            "transaction", "transaction_safe",
-    "true",          "type",          "typeid",        "typeinfo",         "typename",    "unnamed",
-    "unsigned",      "variable",      "virtual",       "void",             "volatile",    "vtable",
-    "wchar_t",       "wrapper",
+    "Class",
+    "JArray",
+    "_Accum",
+    "_BitInt",
+    "_Complex",
+    "_Fract",
+    "_Imaginary",
+    "_Sat",
+    "__float128",
+    "__int128",
+    "__vector",
+    "alias",
+    "alignof",
+    "allocator",
+    "anonymous",
+    "auto",
+    "basic_iostream",
+    "basic_istream",
+    "basic_ostream",
+    "basic_string",
+    "bfloat16_t",
+    "binding",
+    "bool",
+    "boolean",
+    "byte",
+    "char",
+    "char16_t",
+    "char32_t",
+    "char8_t",
+    "char_traits",
+    "class",
+    "clone",
+    "co_await",
+    "const",
+    "const_cast",
+    "construction",
+    "constructors",
+    "covariant",
+    "decimal128",
+    "decimal32",
+    "decimal64",
+    "decltype",
+    "default",
+    "delete",
+    "destructors",
+    "double",
+    "dynamic_cast",
+    "enum",
+    "false",
+    "float",
+    "function",
+    "global",
+    "guard",
+    "half",
+    "hidden",
+    "init",
+    "initializer",
+    "iostream",
+    "istream",
+    "java",
+    "keyed",
+    "lambda",
+    "literal",
+    "local",
+    "localalias",
+    "long",
+    "module",
+    "name",
+    "namespace",
+    "noexcept",
+    "nullptr",
+    "nullptr_t",
+    "object",
+    "operator",
+    "ostream",
+    "parameter",
+    "parm",
+    "part",
+    "property",
+    "reference",
+    "reinterpret_cast",
+    "requires",
+    "resource",
+    "restrict",
+    "return",
+    "short",
+    "signed",
+    "sizeof",
+    "static_cast",
+    "string",
+    "structured",
+    "template",
+    "temporary",
+    "this",
+    "throw",
+    "thunk",
+    "transaction",
+    "transaction_safe",
+    "true",
+    "type",
+    "typeid",
+    "typeinfo",
+    "typename",
+    "unnamed",
+    "unsigned",
+    "variable",
+    "virtual",
+    "void",
+    "volatile",
+    "vtable",
+    "wchar_t",
+    "wrapper",
 });
 static_assert(std::is_sorted(demanglerWords.begin(), demanglerWords.end()));
 
@@ -187,8 +298,14 @@ std::string_view nextWord(std::string_view text, std::size_t& position) {
     return text.substr(start, position - start);
 }
 
-bool mayComeFromDemangler(std::string_view word) {
-    // Numbers with their suffixes, and the types of floating point that have a number in their name.
-    return word.size() < 4 || isDigit(word.front()) || word.starts_with("_Float") ||
-           std::binary_search(demanglerWords.begin(), demanglerWords.end(), word);
+std::string_view requiredPart(std::string_view word) {
+    // Types of floating point have a number in their name.
+    if (std::binary_search(demanglerWords.begin(), demanglerWords.end(), word) ||
+        word.starts_with("_Float")) {
+        return {};
+    }
+    // Values have a suffix, as in 10ul, and of what stands for the value in a broken name nothing is certain
+    // but that it comes from there.
+    const std::string_view part = word.substr(0, word.find_last_not_of("ul") + 1);
+    return part.size() < 4 || isDigit(part.front()) ? std::string_view() : part;
 }

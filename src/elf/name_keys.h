@@ -25,5 +25,5 @@ NameKey keyOfName(std::string_view name);
 // what lies between blanks and punctuation.
 std::string_view nextWord(std::string_view text, std::size_t& position);
 
-// False only if the word can't be in the demangled form of a name that doesn't contain it.
-bool mayComeFromDemangler(std::string_view word);
+// The part of such a word that the mangled form must contain; empty where nothing can be said.
+std::string_view requiredPart(std::string_view word);

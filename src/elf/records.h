@@ -11,7 +11,8 @@
 
 enum class ByteOrder { Little, Big };
 
-template <typename Integer> Integer fromFileOrder(Integer value, ByteOrder order) {
+template <typename Integer>
+Integer fromFileOrder(Integer value, ByteOrder order) {
     return order == ByteOrder::Big ? qFromBigEndian(value) : qFromLittleEndian(value);
 }
 
@@ -46,7 +47,8 @@ public:
     RecordReader(ImageView image, ByteOrder order) : image_(image), order_(order) {}
 
     // Throws MalformedImage when the record isn't wholly in the image.
-    template <typename Record> Record read(std::uint64_t offset) const {
+    template <typename Record>
+    Record read(std::uint64_t offset) const {
         Record record;
         std::memcpy(&record, image_.bytes(offset, sizeof(Record)).data(), sizeof(Record));
         convertFields(record, order_);
@@ -61,7 +63,8 @@ private:
 // The 32-bit word in the first four bytes, which must be there.
 inline std::uint32_t readWord(std::span<const std::uint8_t> bytes, ByteOrder order) {
     const std::uint8_t* from = bytes.first<4>().data();
-    return order == ByteOrder::Big ? qFromBigEndian<std::uint32_t>(from) : qFromLittleEndian<std::uint32_t>(from);
+    return order == ByteOrder::Big ? qFromBigEndian<std::uint32_t>(from)
+                                   : qFromLittleEndian<std::uint32_t>(from);
 }
 
 inline void writeWord(std::span<std::uint8_t> bytes, std::uint32_t word, ByteOrder order) {

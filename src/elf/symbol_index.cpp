@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <functional>
+#include <cstring>
 
 namespace {
 
-constexpr std::size_t hashedLength = 256; // names that differ later only share a bucket
-constexpr std::size_t keptLength = 1024;  // so that a hostile file can't fill the memory with names
+constexpr std::size_t hashedLength = 256;    // names that differ later only share a bucket
+constexpr std::size_t keptLength = 1024;     // so that a hostile file can't fill the memory with names
 constexpr std::uint64_t demanglingWork = 16; // against a look at a candidate
 
 // Words of a name that a symbol must have in its mangled form too.
@@ -20,8 +20,8 @@ public:
         std::size_t position = 0;
         for (auto word = nextWord(name, position); !word.empty() && count_ < words_.size();
              word = nextWord(name, position)) {
-            if (!mayComeFromDemangler(word)) {
-                words_[count_++] = word;
+            if (const std::string_view part = requiredPart(word); !part.empty()) {
+                words_[count_++] = part;
             }
         }
     }
@@ -44,9 +44,20 @@ SymbolIndex::SymbolIndex(const SymbolTable& table, bool complete)
     build();
 }
 
+// Eight bytes a step; what matters is that it is quick on some hundred thousand short texts.
 std::uint32_t SymbolIndex::hashed(std::string_view text, KeyKind kind) {
-    const std::uint64_t hash = std::hash<std::string_view>{}(text.substr(0, hashedLength));
-    return static_cast<std::uint32_t>(hash >> 32) ^ (static_cast<std::uint32_t>(kind) << 4);
+    constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15;
+    text = text.substr(0, hashedLength);
+    std::uint64_t hash = text.size() + (static_cast<std::uint64_t>(kind) << 32);
+    std::uint64_t piece = 0;
+    for (; text.size() >= sizeof(piece); text.remove_prefix(sizeof(piece))) {
+        std::memcpy(&piece, text.data(), sizeof(piece));
+        hash = std::rotl((hash ^ piece) * multiplier, 29);
+    }
+    piece = 0;
+    text.copy(reinterpret_cast<char*>(&piece), text.size());
+    hash = (hash ^ piece) * multiplier;
+    return static_cast<std::uint32_t>((hash ^ (hash >> 29)) * multiplier >> 32);
 }
 
 std::uint32_t SymbolIndex::keyOfSymbol(std::uint32_t symbol) {
@@ -62,19 +73,22 @@ std::uint32_t SymbolIndex::keyOfSymbol(std::uint32_t symbol) {
         mangled_.push_back(symbol);
         return hashed(key.text, KeyKind::Identifier);
     }
-    return hashed(key.kind == NameKind::Plain ? std::string(name) : demangle(name, table_.style()), KeyKind::Name);
+    return hashed(key.kind == NameKind::Plain ? std::string(name) : demangle(name, table_.style()),
+                  KeyKind::Name);
 }
 
 bool SymbolIndex::hasName(std::uint32_t symbol, std::string_view name) const {
     if (complete_ && textStart_[symbol + 1] > textStart_[symbol]) {
-        return std::string_view(texts_).substr(textStart_[symbol], textStart_[symbol + 1] - textStart_[symbol]) == name;
+        return std::string_view(texts_).substr(textStart_[symbol],
+                                               textStart_[symbol + 1] - textStart_[symbol]) == name;
     }
     return table_.hasName(symbol, name);
 }
 
 void SymbolIndex::build() {
     const std::uint32_t count = table_.count();
-    const int bucketBits = std::max(1, static_cast<int>(std::bit_width(count)) - 1);
+    // Some eight to a bucket, so that filling the buckets stays within the nearer caches.
+    const int bucketBits = std::max(1, static_cast<int>(std::bit_width(count)) - 4);
     bucketShift_ = 32 - bucketBits;
     std::vector<std::uint32_t> keys(count);
     std::vector<std::uint32_t> ends((std::size_t{1} << bucketBits) + 1);
@@ -94,7 +108,8 @@ void SymbolIndex::build() {
 }
 
 // Goes through the symbols of a key in the order of the file until the visitor returns true.
-template <typename Visitor> void SymbolIndex::visit(std::uint32_t key, Visitor visitor) const {
+template <typename Visitor>
+void SymbolIndex::visit(std::uint32_t key, Visitor visitor) const {
     const std::size_t bucket = key >> bucketShift_;
     for (std::size_t i = bucketStart_[bucket]; i < bucketStart_[bucket + 1]; ++i) {
         if (postings_[i].key == key && visitor(postings_[i].symbol)) {

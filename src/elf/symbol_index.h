@@ -39,7 +39,8 @@ private:
     bool hasName(std::uint32_t symbol, std::string_view name) const;
     void build();
     void becomeComplete();
-    template <typename Visitor> void visit(std::uint32_t key, Visitor visitor) const;
+    template <typename Visitor>
+    void visit(std::uint32_t key, Visitor visitor) const;
     std::uint32_t lookUp(std::string_view name);
     std::uint32_t lookUpOnce(std::string_view name);
     std::uint32_t firstOfIdentifiers(std::string_view name, std::uint32_t before);
@@ -55,8 +56,8 @@ private:
     std::vector<std::uint32_t> mangled_; // symbols filed under an identifier
     std::unordered_map<std::string, std::uint32_t> answers_;
     std::uint64_t work_ = 0; // what lookups have cost, in looks at a candidate
-    // When it is: the demangled names one after the other, symbol i's from textStart_[i] on. An empty one stands
-    // for a name that is too long to be kept.
+    // When it is: the demangled names one after the other, symbol i's from textStart_[i] on. An empty one
+    // stands for a name that is too long to be kept.
     std::string texts_;
     std::vector<std::size_t> textStart_;
 };

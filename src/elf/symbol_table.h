@@ -13,7 +13,8 @@
 class SymbolTable {
 public:
     SymbolTable() = default;
-    // `count` entries from `offset` on must lie in the image. addressOffset is added to every value, modulo 2^32.
+    // `count` entries from `offset` on must lie in the image. addressOffset is added to every value, modulo
+    // 2^32.
     SymbolTable(RecordReader reader, std::uint64_t offset, std::uint32_t count,
                 std::span<const std::uint8_t> strings, std::uint32_t addressOffset, NameStyle style)
         : reader_(reader), offset_(offset), count_(count), strings_(strings), addressOffset_(addressOffset),
@@ -39,7 +40,8 @@ public:
         const char* text = reinterpret_cast<const char*>(strings_.data()) + start;
         const std::size_t length = std::min(limit, strings_.size() - start);
         const void* end = std::memchr(text, 0, length);
-        return {text, end == nullptr ? length : static_cast<std::size_t>(static_cast<const char*>(end) - text)};
+        return {text,
+                end == nullptr ? length : static_cast<std::size_t>(static_cast<const char*>(end) - text)};
     }
 
     // As much of the name as it takes to demangle it or to see that it is too long for that.
@@ -49,7 +51,8 @@ public:
 
     // Whether `text` is the demangled name.
     bool hasName(std::uint32_t number, std::string_view text) const {
-        return matchesName(mangledName(number, std::max(maxMangledLength(style_), text.size()) + 2), text, style_);
+        return matchesName(mangledName(number, std::max(maxMangledLength(style_), text.size()) + 2), text,
+                           style_);
     }
 
 private:

@@ -10,6 +10,7 @@ namespace {
 
 constexpr std::uint32_t bytesPerRegister = sizeof(ESValue);
 constexpr std::uint32_t thisOperand = 0xFFFFFFFF; // in place of a register: the receiver is `this`
+constexpr std::uint32_t nowhere = 0xFFFFFFFF;     // a site that writes and remembers no position yet
 
 struct Entry {
     enum Kind : std::uint8_t { Home, Register, Constant, This } kind;
@@ -68,12 +69,11 @@ class Translator {
         return (static_cast<std::uint32_t>(code_.argCount) + i) * bytesPerRegister;
     }
     std::uint32_t destination();
-    void pushResult(std::uint32_t reg) {
+    void pushResult() {
         if (!stored_) {
             pushHome();
         }
         stored_ = false;
-        (void)reg;
     }
 
     // --- Cells ---
@@ -89,6 +89,8 @@ class Translator {
     void constants(ESOpcode op);
     void variables(ESOpcode op);
     void properties(ESOpcode op);
+    void getIndexed(std::size_t sp);
+    void putIndexed(std::size_t sp);
     void calls(ESOpcode op);
     void jumps(ESOpcode op);
     void others(ESOpcode op);
@@ -399,7 +401,7 @@ void Translator::variables(ESOpcode op) {
         const std::uint32_t to = destination();
         emit(fused, 0);
         operands(to, i);
-        pushResult(to);
+        pushResult();
     };
     const auto emitPut = [&](ESFusedOp fused, std::uint32_t i) {
         const std::uint32_t value = popRegister();
@@ -431,7 +433,7 @@ void Translator::variables(ESOpcode op) {
         const std::uint32_t to = destination();
         emit(ESFusedOp::GetSlot, 0);
         operands(to, i);
-        return pushResult(to);
+        return pushResult();
     }
     case OP_PUTAM:
         return emitPut(ESFusedOp::PutSlot, first());
@@ -445,7 +447,7 @@ void Translator::variables(ESOpcode op) {
         operands(to, 0);
         atom(name);
         nameCache();
-        return pushResult(to);
+        return pushResult();
     }
     case OP_PUTW: {
         const std::size_t depth = stack_.size();
@@ -479,7 +481,7 @@ void Translator::variables(ESOpcode op) {
         emit(ESFusedOp::StepName, spAt(depth));
         operands(to, name);
         operands(op, 0);
-        return pushResult(to);
+        return pushResult();
     }
     }
 }
@@ -508,9 +510,9 @@ void Translator::binary(ESOpcode op) {
             emit(ESFusedOp::CompoundField, spAt(depth - 2));
             operands(to, object);
             atom(key.constant.atom);
-            operands(0, op);
+            operands(nowhere, op);
             operands(value, 0);
-            return pushResult(to);
+            return pushResult();
         }
         const std::uint32_t keyRegister = registerOf(key, depth);
         const std::uint32_t object = popRegister();
@@ -520,7 +522,7 @@ void Translator::binary(ESOpcode op) {
         operands(to, object);
         operands(keyRegister, value);
         operands(op, 0);
-        return pushResult(to);
+        return pushResult();
     }
     const std::size_t depth = stack_.size();
     const Entry right = pop();
@@ -537,7 +539,7 @@ void Translator::binary(ESOpcode op) {
         } else {
             number(right.constant.number);
         }
-        return pushResult(to);
+        return pushResult();
     }
     if (isNumber(left) && !isNumber(right)) {
         const bool commutes = op == OP_MUL || op == OP_BITAND || op == OP_BITOR || op == OP_BITXOR;
@@ -555,7 +557,7 @@ void Translator::binary(ESOpcode op) {
             } else {
                 number(left.constant.number);
             }
-            return pushResult(to);
+            return pushResult();
         }
     }
     const std::uint32_t leftRegister = registerOf(left, depth - 1);
@@ -564,7 +566,7 @@ void Translator::binary(ESOpcode op) {
     emit(offsetOp(ESFusedOp::AddRR, family), sp);
     operands(to, leftRegister);
     operands(rightRegister, 0);
-    pushResult(to);
+    pushResult();
 }
 
 void Translator::unary(ESOpcode op, ESFusedOp fused) {
@@ -577,7 +579,7 @@ void Translator::unary(ESOpcode op, ESFusedOp fused) {
     const std::uint32_t to = destination();
     emit(fused, spAt(depth));
     operands(to, value);
-    pushResult(to);
+    pushResult();
 }
 
 void Translator::comparison(ESOpcode op) {
@@ -600,7 +602,7 @@ void Translator::comparison(ESOpcode op) {
     emit(plain[op - OP_LT], spAt(depth - 1));
     operands(to, left);
     operands(right, 0);
-    pushResult(to);
+    pushResult();
 }
 
 // Takes the two operands off the picture and jumps on their comparison.
@@ -699,11 +701,36 @@ void Translator::jumps(ESOpcode op) {
     }
 }
 
+// object key -> value; `sp` counts the entries that the loop over the bytes has in use then.
+void Translator::getIndexed(std::size_t sp) {
+    const std::uint32_t key = popRegister();
+    const std::uint32_t object = popRegister();
+    const std::uint32_t to = destination();
+    emit(ESFusedOp::GetIndexed, spAt(sp));
+    operands(to, object);
+    operands(key, 0);
+    pushResult();
+}
+
+// value object key ->
+void Translator::putIndexed(std::size_t sp) {
+    const std::uint32_t key = popRegister();
+    const std::uint32_t object = popRegister();
+    const std::uint32_t value = popRegister();
+    emit(ESFusedOp::PutIndexed, spAt(sp));
+    operands(object, key);
+    operands(value, 0);
+}
+
 void Translator::properties(ESOpcode op) {
     const std::size_t depth = stack_.size();
     switch (op) {
     case OP_GETF: {
         const ESAtom name = atomAt(static_cast<std::int32_t>(first()));
+        if (name->arrayIndex != notAnIndex) { // a[3] is a.3 to the compiler, and an element all the same
+            pushConstant(numberValue(name->arrayIndex));
+            return getIndexed(depth);
+        }
         if (stack_.back().kind == Entry::This) {
             stack_.pop_back();
             const std::uint32_t to = destination();
@@ -711,7 +738,7 @@ void Translator::properties(ESOpcode op) {
             operands(to, 0);
             atom(name);
             operands(0, 0);
-            return pushResult(to);
+            return pushResult();
         }
         const std::uint32_t object = popRegister();
         const std::uint32_t to = destination();
@@ -719,9 +746,14 @@ void Translator::properties(ESOpcode op) {
         operands(to, object);
         atom(name);
         operands(0, 0);
-        return pushResult(to);
+        return pushResult();
     }
     case OP_PUTF: {
+        const ESAtom name = atomAt(static_cast<std::int32_t>(first()));
+        if (name->arrayIndex != notAnIndex) {
+            pushConstant(numberValue(name->arrayIndex));
+            return putIndexed(depth - 1);
+        }
         const bool onThis = stack_.back().kind == Entry::This;
         const std::uint32_t object = onThis ? 0 : popRegister();
         if (onThis) {
@@ -730,8 +762,8 @@ void Translator::properties(ESOpcode op) {
         const std::uint32_t value = popRegister();
         emit(onThis ? ESFusedOp::PutFieldThis : ESFusedOp::PutField, spAt(depth - 1));
         operands(object, value);
-        atom(atomAt(static_cast<std::int32_t>(first())));
-        return operands(0, 0);
+        atom(name);
+        return operands(nowhere, 0);
     }
     case OP_INITF: {
         const std::uint32_t value = popRegister();
@@ -742,30 +774,25 @@ void Translator::properties(ESOpcode op) {
         return operands(0, 0);
     }
     case OP_GETX:
+        return getIndexed(depth - 1);
     case OP_DELETEX: {
         const std::uint32_t key = popRegister();
         const std::uint32_t object = popRegister();
         const std::uint32_t to = destination();
-        emit(op == OP_GETX ? ESFusedOp::GetIndexed : ESFusedOp::DeleteIndexed, spAt(depth - 1));
+        emit(ESFusedOp::DeleteIndexed, spAt(depth - 1));
         operands(to, object);
         operands(key, 0);
-        return pushResult(to);
+        return pushResult();
     }
-    case OP_PUTX: {
-        const std::uint32_t key = popRegister();
-        const std::uint32_t object = popRegister();
-        const std::uint32_t value = popRegister();
-        emit(ESFusedOp::PutIndexed, spAt(depth - 2));
-        operands(object, key);
-        return operands(value, 0);
-    }
+    case OP_PUTX:
+        return putIndexed(depth - 2);
     case OP_DELETEW: {
         const ESAtom name = atomAt(static_cast<std::int32_t>(first()));
         const std::uint32_t to = destination();
         emit(ESFusedOp::DeleteName, spAt(depth + 1));
         operands(to, 0);
         atom(name);
-        return pushResult(to);
+        return pushResult();
     }
     default: { // the steps of an element
         const Entry key = pop();
@@ -778,11 +805,11 @@ void Translator::properties(ESOpcode op) {
         operands(to, object);
         if (named) {
             atom(key.constant.atom);
-            operands(0, op);
+            operands(nowhere, op);
         } else {
             operands(keyRegister, op);
         }
-        return pushResult(to);
+        return pushResult();
     }
     }
 }
@@ -864,7 +891,7 @@ void Translator::calls(ESOpcode op) {
         nameCache();
         break;
     }
-    pushResult(0);
+    pushResult();
 }
 
 void Translator::others(ESOpcode op) {
@@ -914,7 +941,7 @@ void Translator::others(ESOpcode op) {
         const std::uint32_t to = destination();
         emit(ESFusedOp::Closure, spAt(depth + 1));
         operands(to, index);
-        return pushResult(to);
+        return pushResult();
     }
     case OP_MKARRAY: {
         const std::uint32_t count = first();
@@ -929,13 +956,13 @@ void Translator::others(ESOpcode op) {
         emit(ESFusedOp::MakeArray, spAt(depth));
         operands(to, values);
         operands(count, 0);
-        return pushResult(to);
+        return pushResult();
     }
     case OP_NEWOBJ: {
         const std::uint32_t to = destination();
         emit(ESFusedOp::NewObject, 0);
         operands(to, 0);
-        return pushResult(to);
+        return pushResult();
     }
     case OP_WITH: {
         const std::uint32_t object = popRegister();

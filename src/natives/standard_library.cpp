@@ -53,6 +53,7 @@ void setUpClasses(ESContext& ctx) {
     ctx.arrayClass->setUp(ctx);
     ctx.globalClass->setUp(ctx);
     ctx.errorClass->setUp(ctx); // before the specific errors, whose prototypes inherit from its own
+    internSecondaryAtoms();
     ctx.rangeErrorClass->setUp(ctx);
     ctx.referenceErrorClass->setUp(ctx);
     ctx.syntaxErrorClass->setUp(ctx);

@@ -2,6 +2,7 @@
 
 #include "runtime/context.h"
 
+#include <QCollator>
 #include <QVarLengthArray>
 #include <algorithm>
 #include <limits>
@@ -92,6 +93,13 @@ double lastIndexOf(QStringView text, QStringView sought, std::int32_t start) {
     }
     const qsizetype from = std::min<qsizetype>(start, last);
     return static_cast<double>(sought.isEmpty() ? from : text.lastIndexOf(sought, from));
+}
+
+// By the rules of the environment's locale. QString::localeAwareCompare does the same with a collator that
+// nobody frees in a program without an application object.
+int localeCompare(QStringView text, QStringView that) {
+    static const QCollator collator;
+    return collator.compare(text, that);
 }
 
 // A position of slice in a text of n characters: a negative one counts from the end.
@@ -188,7 +196,7 @@ ESValue applyToText(ESContext& ctx, std::int32_t member, const ESValue& text, st
     }
     case LocaleCompare: {
         const ESValue that = ctx.toStringValue(first);
-        return numberValue(QString::localeAwareCompare(ESContext::viewOf(text), ESContext::viewOf(that)));
+        return numberValue(localeCompare(ESContext::viewOf(text), ESContext::viewOf(that)));
     }
     case Slice:
         return slice(ctx, text, first, second);

@@ -263,6 +263,10 @@ void internWellKnownAtoms() {
     w.callee = intern("callee");
     w.constructor = intern("constructor");
     w.index = intern("index");
+}
+
+void internSecondaryAtoms() {
+    WellKnownAtoms& w = wellKnownAtoms;
     w.empty = intern("");
     w.message = intern("message");
     w.name = intern("name");

@@ -58,3 +58,5 @@ struct WellKnownAtoms {
 };
 extern WellKnownAtoms wellKnownAtoms;
 void internWellKnownAtoms();
+// The second line of them, whose place in the order of first interning comes later: after the set-up of Error.
+void internSecondaryAtoms();

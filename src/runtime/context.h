@@ -215,7 +215,9 @@ class ESContext {
     ESFusedFrame* frames = nullptr; // script calls of the fused loop that haven't ended
     std::int32_t frameDepth = 0;    // entries of frames in use
     const bool asksKeepRunning;
-    ESExecutionForm executionForm = ESExecutionForm::Fused;
+    // What contexts start with; only tests change it.
+    inline static ESExecutionForm defaultForm = ESExecutionForm::Fused;
+    ESExecutionForm executionForm = defaultForm;
     // Every function keeps its variables in an activation object (a switch for tests).
     bool alwaysActivation = false;
 

@@ -6,5 +6,5 @@
 //| f();
 //| WScript.Echo('after');
 // expect-raw: "before"
-// expect error: line 3: can only call function objects
+// expect error: line 3: not a function object
 WScript.Echo('second file');

@@ -7,7 +7,8 @@ function line(text) { WScript.Echo(text + '\n'); }
 function names(object) {
     var text = '';
     for (var name in object)
-        text += name + ',';
+        if (object.hasOwnProperty(name))
+            text += name + ',';
     return text;
 }
 var listed = false;

@@ -1,2 +1,2 @@
-// args-only: -load /tmp
-// expect error: cannot load /tmp
+// args-only: -load {dir}
+// expect error: cannot load {dir}

@@ -1,6 +1,5 @@
 // All errors are told, and nothing runs.
-// args: "WScript.Echo('ran')" -bogus -- @{dir}/missing @{dir}/words -define
-// args-only: -load {script}
+// args-only: "WScript.Echo('ran')" -bogus -- @{dir}/missing @{dir}/words -load {script} -define
 // file: words
 //| -verbos "open
 //| -load

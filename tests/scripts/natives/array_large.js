@@ -59,7 +59,7 @@ show("cut", a);
 // expect: filled: 200000 200000 199999 0 true
 // expect: moved: 198994 600000 199999
 // expect: stack: 19999900000 200000
-// expect: queue: x
+// expect: queue: -10000 0
 // expect: sorted as texts: 50000 0
 // expect: sorted as numbers: 20000 0
 // expect: cut: 0,1,2,3,4,5,6,7,8,9

@@ -61,8 +61,6 @@ o.getTimezoneOffset = Date.prototype.getTimezoneOffset;
 show([o.getTimezoneOffset()]);
 // expect: 0
 o.setHours = Date.prototype.setHours;
-var first = new Object();
-first.valueOf = function () { WScript.Echo("first\n"); return 1; };
-o.setHours(first, spy);
+o.setHours({valueOf: function () { WScript.Echo("first\n"); return 1; }}, spy);
 // expect: first
-// expect error: line 66: Date object required
+// expect error: line 64: Date object required

@@ -19,7 +19,7 @@ describe("SyntaxError", function (m) { return new SyntaxError(m); });
 describe("TypeError", function (m) { return new TypeError(m); });
 describe("EvalError", function (m) { return EvalError(m); });
 
-show("null", new Error(null).message + " " + (new Error(null)).hasOwnProperty("message"));
+show("null", (new Error(null)).message + " " + (new Error(null)).hasOwnProperty("message"));
 show("not converted", (new Error(5)).message + 1);
 show("String()", String(new Error("x")));
 show("chain", Error.prototype.isPrototypeOf(new TypeError()) + " " + TypeError.prototype.isPrototypeOf(new Error()) +

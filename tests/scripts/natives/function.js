@@ -27,7 +27,7 @@ show("lengths stay", sum.length + " " + Function.prototype.length);
 show("prototype", (sum.prototype.constructor == sum) + " " + (new sum()).constructor.length);
 show("conversions", Function(spy("p"), spy("q"), spy("return p + q"))(2, 3) + " " + order);
 show("nested", Function("n", "function twice(x) { return x + x; } return function () { return twice(n); };")(4)());
-show("this", new Function("this.made = 1; return this.made")().made);
+show("this", (Function("return this")() == this) + " " + (new Function("return this"))().hasOwnProperty("show"));
 show("toString", one.toString() + show + Math.sqrt + Function.prototype + (function () {}));
 show("Function.prototype()", Function.prototype() + " " + Function.prototype(1, 2));
 show("inherits", Function.prototype.isPrototypeOf(one) + " " + Function.prototype.isPrototypeOf(Math.sqrt) + " " +
@@ -48,7 +48,7 @@ Function("a", "return 1;\nreturn 1 +");
 // expect: prototype: true 2
 // expect: conversions: 5 [p][q][return p + q]
 // expect: nested: 8
-// expect: this: undefined
+// expect: this: true true
 // expect: toString: <<function>><<function>><<function>><<function>><<function>>
 // expect: Function.prototype(): undefined undefined
 // expect: inherits: true true true

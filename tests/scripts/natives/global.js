@@ -78,6 +78,6 @@ new isNaN();
 // expect: lengths: 1 2 1 1
 // expect: names: true [object global]
 // expect: NaN: 1
-// expect: enumerable: isNaN x 
+// expect: enumerable: isNaN 
 // expect: new eval(): undefined
 // expect error: line 57: new must be given a constructor object

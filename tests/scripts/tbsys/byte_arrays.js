@@ -2,7 +2,7 @@
 // expect: 8 object number
 // expect: true 0 object 0
 // expect: undefined undefined false false
-// expect: 4236843288 undefined 0
+// expect: 4236843288 undefined 429103979
 // expect: true
 function line(text) { WScript.Echo(text + '\n'); }
 var holes = [321, -1, undefined, 'x', NaN, '257'];
@@ -15,7 +15,7 @@ line(TBSys.writeByteArrayToFile('f', []) + ' ' + TBSys.fileSize('f') + ' ' + typ
 line(TBSys.readByteArrayFromFile('missing') + ' ' + TBSys.readByteArrayFromFile('.') + ' ' +
      TBSys.writeByteArrayToFile('.', [1]) + ' ' + TBSys.writeByteArrayToFile('no/such', 'no array'));
 line(TBSys.crc32([0x31, 0x32, 0x33, 0x34, 0x35, 0x36, 0x37, 0x38, 0x39]) + ' ' + TBSys.crc32([]) + ' ' +
-     (TBSys.crc32([0, 0, 0, 0]) - 0xC704DD7B + 0xFFFFFFFF - 0xFFFFFFFF));
+     TBSys.crc32([97]));
 var all = [];
 for (var i = 0; i < 256; ++i)
     all.push(i);

@@ -1,0 +1,2 @@
+// expect error: cannot open .
+ElfFile.save('.');
