@@ -48,7 +48,7 @@ bool mayBeType(std::string_view name) {
     if (isOneOf(first, "FN")) { // functions and scopes have an end
         return base.back() == 'E';
     }
-    return isOneOf(first, "ADMSTZ") || isDigit(first);
+    return isOneOf(first, "ADMSTWZ") || isDigit(first);
 }
 
 class ScopeReader {

@@ -21,7 +21,7 @@ public:
     // converts in a way of its own, or the member isn't one of String.prototype. The arguments need not be
     // padded to the declared length. The result goes to argv[0], which exists also when argc is 0.
     bool callOnText(ESContext& ctx, std::int32_t memberIndex, const ESValue& text, std::int32_t argc,
-                    ESValue* argv);
+                    ESValue* argv) override;
 
     // Whether a String object that has nothing but String.prototype converts to a string by its toString
     // as it was born, so that the result is the object's text.

@@ -87,18 +87,13 @@ TEST_F(Lexer, SplitsText) {
          "< <= << <<= = == === > >= >> >>= >>> >>>= ^ ^= | |= ||"},
         {"a+++b a---b a>>>>b a====b a&&&b", "a ++ + b a -- - b a >>> > b a === = b a && & b"},
         {"(),:;?[]{}~", "( ) , : ; ? [ ] { } ~"},
-        {"instanceof boolean Class classs $_9 in_ \xe9", nullptr},
         {"instanceof boolean Class classs $_9 in_", "instanceof boolean Class classs $_9 in_"},
         {"true false null class", "token<181> token<182> token<183> class"},
         {"3x 1e+x 1e x", "#3 x #1 x #1 x"},
         {"a/b/c", "a / b / c"},
     };
     for (const Row& row : rows) {
-        if (row.expected == nullptr) {
-            EXPECT_EQ(message(QString::fromLatin1(row.text)), "line 1: unknown character '\xc3\xa9'");
-        } else {
-            EXPECT_EQ(tokens(QString::fromLatin1(row.text)), row.expected) << row.text;
-        }
+        EXPECT_EQ(tokens(QString::fromLatin1(row.text)), row.expected) << row.text;
     }
 }
 
@@ -150,7 +145,7 @@ TEST_F(Lexer, ReadsNumbers) {
         {"1e 1e+ .5e-", "#1 #1 #0.5"},
         {"123456789012345 9007199254740993 0.1", "#123456789012345 #9007199254740992 #0.10000000000000001"},
         {"1e308 1e309 1e-400 5e-324", "#1e+308 #inf #0 #4.9406564584124654e-324"},
-        {"0xFFFFFFFFFFFFFFFFF 0100000000000000000000000", "#2.9514790517935283e+20 #2.3611832414348226e+21"},
+        {"0xFFFFFFFFFFFFFFFFF 0100000000000000000000000", "#2.9514790517935283e+20 #5.9029581035870565e+20"},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(tokens(QString::fromLatin1(row.text)), row.expected) << row.text;
@@ -176,6 +171,7 @@ TEST_F(Lexer, ReadsStrings) {
 TEST_F(Lexer, RefusesWhatIsNoToken) {
     const Row rows[] = {
         {"#", "line 1: unknown character '#'"},
+        {"a\xe9", "line 1: unknown character '\xc3\xa9'"},
         {"\n\n a \\", "line 3: unknown character '\\'"},
         {"'a\nb'", "line 1: newline in string constant"},
         {"'a\\\r\nb'", "line 1: newline in string constant"},

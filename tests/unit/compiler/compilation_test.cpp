@@ -1,0 +1,281 @@
+// What a whole compilation promises: messages with their lines, limits, and that a failed one leaves nothing.
+#include "compiler/compilation.h"
+
+#include "runtime/context.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+class Compilation : public testing::Test {
+protected:
+    Compilation() { ctx.initContext(); }
+
+    std::string messageOf(const ESValue& value) {
+        return ctx.toString(ctx.get(value.object, wellKnownAtoms.message)).toStdString();
+    }
+    // The message of the error, or the value.
+    std::string outcome(const QString& text) {
+        const ESCompletion completion = ctx.evaluate(text);
+        if (completion.status == ESCompletion::normal) {
+            return "value " + ctx.toString(completion.value).toStdString();
+        }
+        return messageOf(completion.value);
+    }
+    std::string outcome(const std::string& text) { return outcome(QString::fromStdString(text)); }
+    // The text of the fault with which a text is refused, or "compiled".
+    std::string refusal(const std::string& text) {
+        try {
+            compileProgram(ctx, QString::fromStdString(text));
+            return "compiled";
+        } catch (const ESFatalError& fault) {
+            return fault.message.toStdString();
+        }
+    }
+    static std::string repeated(const std::string& text, int count) {
+        std::string result;
+        result.reserve(text.size() * static_cast<std::size_t>(count));
+        for (int i = 0; i < count; ++i) {
+            result += text;
+        }
+        return result;
+    }
+    static std::string numbered(const std::string& before, const std::string& after, int count) {
+        std::string result;
+        for (int i = 0; i < count; ++i) {
+            result += before + std::to_string(i) + after;
+        }
+        return result;
+    }
+
+    ESContext ctx;
+};
+
+struct Row {
+    const char* text;
+    const char* expected;
+};
+
+TEST_F(Compilation, ReportsErrorsWithTheirLine) {
+    const Row rows[] = {
+        {"a === b;", "line 1: expected ; found ==="},
+        {"a !== b;", "line 1: expected ; found !=="},
+        {"a in b", "line 1: expected ; found in"},
+        {"\nx = 1 /* one\ntwo */ y", "line 3: expected ; found an identifier"},
+        {"a = b +\n\n", "line 3: expected an expression, found end of input"},
+        {"if (a) else", "line 1: expected an expression, found else"},
+        {"class", "line 1: expected an expression, found class"},
+        {"}", "line 1: expected an expression, found }"},
+        {"{", "line 1: expected } found end of input"},
+        {"f(1", "line 1: expected , found end of input"},
+        {"f(1,)", "line 1: expected an expression, found )"},
+        {"[1 2]", "line 1: ']' or ',' expected, found a number"},
+        {"({if: 1})", "line 1: number, string, or identifier expected in object initialiser"},
+        {"({a 1})", "line 1: expected : found a number"},
+        {"({a: 1 b: 2})", "line 1: expected , found an identifier"},
+        {"a.class", "line 1: expected an identifier found class"},
+        {"a\n.\nnull", "line 3: expected an identifier found token<183>"},
+        {"function () {}", "line 1: expected an identifier found ("},
+        {"function f(a,) {}", "line 1: expected an identifier found )"},
+        {"function f(a b) {}", "line 1: expected , found an identifier"},
+        {"function f() { return", "line 1: expected an expression, found end of input"},
+        {"\nreturn 1", "line 2: return not in a function"},
+        {"return 1 +", "line 1: expected an expression, found end of input"},
+        {"var 1", "line 1: expected an identifier found a number"},
+        {"foo\n: bar()", "line 2: expected an expression, found :"},
+        {"foo /**/ : bar()", "line 1: expected ; found :"},
+        {"do a(); while (b)", "line 1: expected { found an identifier"},
+        {"for (;) ;", "line 1: expected ; found )"},
+        {"for (var a, b in c) ;", "line 1: too many variables in for-in expression"},
+        {"switch (a) { foo }", "line 1: expected 'case' or 'default' but found 'an identifier'"},
+        {"switch (a) { case 1: default:\ndefault: }", "line 2: default case already defined"},
+        {"try {}\nf()", "line 2: 'catch' or 'finally' clause expected after 'try'"},
+        {"try {} catch (1) {}", "line 1: expected an identifier found a number"},
+        {"break\nf()", "line 2: expected ; found ("},
+        // The generator comes when the text has been read: its line is the last.
+        {"1 = 2;\n\n", "line 3: only left-hand-side expressions allowed"},
+        {"f() = 1", "line 1: only left-hand-side expressions allowed"},
+        {"f() += 1", "line 1: only left-hand-side expressions allowed"},
+        {"1++", "line 1: only left-hand-side expressions allowed"},
+        {"delete f()\n", "line 2: only left-hand-side expressions allowed"},
+        {"for (a, b in c) ;", "line 1: only left-hand-side expressions allowed"},
+        {"for (var a = 1 in c) ;", "line 1: only left-hand-side expressions allowed"},
+        {"break;\n", "line 2: 'break' not in a 'for' or 'while' loop"},
+        {"while (a) { function f() { break; } }", "line 1: 'break' not in a 'for' or 'while' loop"},
+        {"L: x = 1; break L;", "line 1: can't find label L"},
+        {"L: break L;", "line 1: can't find label L"},
+        {"for (;;) continue M;", "line 1: can't find label M"},
+        {"L: { continue L; }", "line 1: labeled 'continue' doesn't mark a loop"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(outcome(QString::fromLatin1(row.text)), row.expected) << row.text;
+    }
+}
+
+TEST_F(Compilation, EndsStatements) {
+    const Row rows[] = {
+        {"var a = 1, b = 2\na\n++b", "value 3"},
+        {"var c = 1; c++\nc", "value 2"},
+        {"var f = function (x) { return x; }\nf\n(7)", "value 7"},
+        {"var d = 1 +\n2", "value 3"},
+        {"if (true) d = 5; else d = 6; d", "value 5"},
+        {"if (true) { d = 7 } d", "value 7"},
+        {"do { d = 8 } while (false) d", "value 8"},
+        {"foo \t: d = 9; d", "value 9"},
+        {"{a: 1}", "value undefined"},
+        {"({a: 1}).a", "value 1"},
+        {"function g() { return\n1 } g()", "value undefined"},
+        {"(new Function('a', 'return 1')).length", "value 1"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(outcome(QString::fromLatin1(row.text)), row.expected) << row.text;
+    }
+}
+
+TEST_F(Compilation, CompilesFunctionTexts) {
+    const struct {
+        const char* parameters;
+        const char* body;
+        const char* expected;
+    } rows[] = {
+        {"a,", "x", "line 1: expected an identifier found end of input"},
+        {"a b", "x", "line 1: expected , found an identifier"},
+        {"return", "x", "line 1: expected an identifier found return"},
+        {"", "1 +", "line 1: expected an expression, found end of input"},
+        {"a,\nb", "\n\n}", "line 3: expected an expression, found }"},
+        {"", "\nbreak;", "line 2: 'break' not in a 'for' or 'while' loop"},
+        {"a\n,\nb", "return function () { return a + b; }", "[object Function]"},
+    };
+    for (const auto& row : rows) {
+        std::string found;
+        try {
+            const ESObject* fn =
+                compileFunction(ctx, QString::fromLatin1(row.parameters), QString::fromLatin1(row.body));
+            found = "[object " + std::string(fn->nativeClass->name) + "]";
+            EXPECT_EQ(ctx.toString(fn->value).toStdString(), "anonymous");
+        } catch (const ESException& exception) {
+            found = messageOf(exception.value);
+        }
+        EXPECT_EQ(found, row.expected) << row.body;
+    }
+}
+
+// Whatever fails, and however deep in a script, the machine stands as before.
+TEST_F(Compilation, FailuresRestoreTheMachine) {
+    const ESValue acc = numberValue(42);
+    ctx.acc = acc;
+    ctx.sp = 3;
+    ctx.spSurplus = 2;
+    const char* const texts[] = {
+        "1 +", "f(1, 2, undefinedFunction())", "with ({a: 1}) { a(); }",
+        "function deep(n) { with ({}) { return n == 0 ? n() : deep(n - 1); } } deep(5)"};
+    for (const char* text : texts) {
+        const std::int32_t blocks = codeBlockCount();
+        EXPECT_EQ(ctx.evaluate(QString::fromLatin1(text)).status, ESCompletion::exception) << text;
+        EXPECT_EQ(ctx.sp, 3);
+        EXPECT_EQ(ctx.spSurplus, 2);
+        EXPECT_EQ(ctx.scope, nullptr);
+        EXPECT_EQ(ctx.thisObject, ctx.globalObject);
+        EXPECT_EQ(ctx.acc.number, 42);
+        EXPECT_LE(codeBlockCount(), blocks + 1);
+    }
+    EXPECT_EQ(ctx.evaluate(QStringLiteral("1 + 1")).value.number, 2);
+    EXPECT_EQ(ctx.sp, 3);
+    EXPECT_EQ(ctx.acc.number, 42);
+}
+
+TEST_F(Compilation, FailuresLeaveNoFunctions) {
+    const std::int32_t blocks = codeBlockCount();
+    outcome(std::string("function f() { function g() {} } 1 +"));
+    outcome(std::string("function f() { function g() {} } break;"));
+    EXPECT_EQ(codeBlockCount(), blocks);
+    EXPECT_EQ(outcome(std::string("function f() { return function () { return 3; }; } f()()")), "value 3");
+    EXPECT_EQ(codeBlockCount(), blocks + 2);
+}
+
+TEST_F(Compilation, LineOfAnEndedRunStays) {
+    ctx.evaluate(QStringLiteral("var a\n= 1;\na = 2"));
+    EXPECT_EQ(ctx.linePlace, nullptr);
+    EXPECT_EQ(ctx.currentLine(), 3);
+}
+
+// Length costs no depth.
+TEST_F(Compilation, TakesLongTexts) {
+    constexpr int many = 100000;
+    EXPECT_EQ(outcome("0" + repeated("+1", many)), "value 100000");
+    EXPECT_EQ(outcome("0" + repeated(",1", many)), "value 1");
+    EXPECT_EQ(outcome("var n = 0;" + repeated("n++\n", many) + "n"), "value 100000");
+    EXPECT_EQ(outcome("var v0 = 7" + numbered(",u", "=1", 60000) + "; u59999 + v0"), "value 8");
+    EXPECT_EQ(outcome("[" + repeated("7,", 60000) + "8].length"), "value 60001");
+    EXPECT_EQ(outcome("({" + numbered("k", ":1,", 50000) + "last:5}).last"), "value 5");
+    EXPECT_EQ(outcome("var o = {}; o.o = o; (o" + repeated(".o", many) + ") == o"), "value true");
+    EXPECT_EQ(outcome("1" + repeated("&&1", 15000)), "value 1");
+    EXPECT_EQ(outcome("1" + repeated("?1:0", 1) + repeated(";0?1", 1) + repeated(":0?1", 7000) + ":7"),
+              "value 7");
+    EXPECT_EQ(outcome(repeated("if (0) ; else ", 9000) + "n = 5; n"), "value 5");
+    EXPECT_EQ(outcome(repeated(";", 1 << 20) + "3"), "value 3");
+    EXPECT_EQ(outcome(repeated("var x; function f(a, a) {} ", 20000) + "typeof f"), "value function");
+}
+
+// Past the bound is a SyntaxError, whatever is nested.
+TEST_F(Compilation, BoundsNesting) {
+    const Row rows[] = {{"(", "1"},
+                        {"[", "1"},
+                        {"{", ""},
+                        {"!", "1"},
+                        {"new ", "f"},
+                        {"a=", "1"},
+                        {"if(0)", ";"},
+                        {"L:", ";"},
+                        {"f(", "1"},
+                        {"a[", "1"},
+                        {"({a:", "1"},
+                        {"0?", "1"},
+                        {"0|0^0&0==0<0<<0+0*(", "1"},
+                        {"while(0)", ";"},
+                        {"function f(){", ""},
+                        {"x=function(){", ""},
+                        {"switch(0){case 0:", ""}};
+    for (const Row& row : rows) {
+        EXPECT_EQ(outcome(repeated(row.text, 200000) + row.expected), "line 1: nesting too deep") << row.text;
+    }
+    EXPECT_EQ(outcome(repeated("(", 900) + "5" + repeated(")", 900)), "value 5");
+    EXPECT_EQ(outcome(repeated("{", 900) + "6" + repeated("}", 900)), "value 6");
+    EXPECT_EQ(outcome(repeated("0|0^0&0==0<0<<0+1*(", 900) + "1" + repeated(")", 900)), "value 0");
+    EXPECT_EQ(outcome(repeated("function f() {", 400) + repeated("}", 400)), "value undefined");
+}
+
+// Operands have 16 bits. What needs more is refused, and what doesn't may be longer.
+TEST_F(Compilation, RefusesOperandsThatDoNotFit) {
+    const std::string tooLarge = "compiler error: operand too large";
+    const std::string farJump = "compiler error: patch constant too large";
+    EXPECT_EQ(refusal("[" + numbered("", ".5,", 65534) + "0.75]"), "compiled");
+    EXPECT_EQ(refusal(numbered("x=", ".5;", 65536)), "compiled");
+    EXPECT_EQ(refusal(numbered("x=", ".5;", 65537)), tooLarge);
+    EXPECT_EQ(refusal("x=[" + repeated("0,", 65534) + "0]"), "compiled");
+    EXPECT_EQ(refusal("x=[" + repeated("0,", 65535) + "0]"), tooLarge);
+    EXPECT_EQ(refusal("f(" + repeated("0,", 65535) + "0)"), tooLarge);
+    // NUM_0 + ADD: 2 bytes a term; the operand of the jump lies behind its opcode.
+    const std::string bytes65532 = "x = 0" + repeated("+0", 32764) + ";"; // 1 + 2 * 32764 + 3
+    EXPECT_EQ(refusal(bytes65532 + "while (!0) ;"), farJump);
+    EXPECT_EQ(refusal(bytes65532 + "while (x) ;"), farJump);
+    EXPECT_EQ(refusal(bytes65532 + repeated("x++;", 100000)), "compiled");
+    EXPECT_EQ(refusal("while (x) x = 0" + repeated("+0", 32760) + ";"), "compiled");
+    EXPECT_EQ(refusal("while (x) x = 0" + repeated("+0", 32764) + ";"),
+              "compiler error: jump target too large");
+    EXPECT_EQ(refusal("do { x = 0" + repeated("+0", 40000) + "; } while (x)"), "compiled");
+    EXPECT_EQ(refusal("x = 0" + repeated("+0", 40000) + "; do { x = 0; } while (x)"), tooLarge);
+}
+
+TEST_F(Compilation, RefusesSlotsThatDoNotFit) {
+    const auto count = static_cast<int>(ctx.globalObject->properties.count());
+    EXPECT_EQ(refusal("var " + numbered("s", "=0,", 65536 - count - 1) + "last = 0"), "compiled");
+    EXPECT_EQ(refusal("last = 1; s0 = 2;"), "compiled");
+    EXPECT_EQ(refusal("toomany = 1"), "compiler error: operand too large");
+    EXPECT_EQ(refusal("function f(toomany) { return toomany; }"), "compiler error: operand too large");
+    EXPECT_EQ(refusal("(function (toomany) { return toomany; })(1)"), "compiled");
+}
+
+} // namespace
