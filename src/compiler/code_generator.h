@@ -57,6 +57,7 @@ private:
     // generate_expressions.cpp
     void compileExpression(const ESNode* node, bool want);
     void compileValue(const ESNode* node);
+    std::size_t functionOperand(const ESFunctionScope& function) const;
     void compileSequence(const ESNode* node, bool want);
     void compileConditional(const ESNode* node);
     void compileUnary(const ESNode* node, ESOpcode opcode);

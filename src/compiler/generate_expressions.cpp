@@ -137,8 +137,7 @@ void ESCodeGenerator::compileValue(const ESNode* node) {
     case TokenIdentifier:
         return emitName(getForms, resolveName(node->atom), node->line);
     case TokenFunction:
-        return emitter_.emitOp16(
-            OP_CLOSURE, static_cast<std::size_t>(firstFunction_ + node->function->blockIndex), node->line);
+        return emitter_.emitOp16(OP_CLOSURE, functionOperand(*node->function), node->line);
     case TokenTypeof:
         return compileUnary(node, OP_TYPEOF);
     case NodeNegate:
@@ -156,6 +155,10 @@ void ESCodeGenerator::compileValue(const ESNode* node) {
     default:
         return compileChain(node);
     }
+}
+
+std::size_t ESCodeGenerator::functionOperand(const ESFunctionScope& function) const {
+    return static_cast<std::size_t>(firstFunction_) + static_cast<std::size_t>(function.blockIndex);
 }
 
 void ESCodeGenerator::compileSequence(const ESNode* node, bool want) {

@@ -53,7 +53,8 @@ class ESFusedCode {
     std::int32_t localCount = 0; // of those that lie in the stack
     bool needsActivation = false;
     std::vector<ESProperty> activationTemplate; // slots of a fresh activation
-    std::uint32_t activationMask = 0;
+    std::uint64_t activationMask = 0;
+    std::uint32_t propertiesMade = 0; // most that a call as a constructor has left on its object
     std::vector<ESObject*> freeNodes; // scope nodes of ended calls that nothing captured
 };
 

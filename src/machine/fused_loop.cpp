@@ -164,10 +164,25 @@ class FrameGuard {
     std::int32_t depth_;
 };
 
+// Where a compound assignment or a step found the property, for the next time.
+void rememberOwn(const ESValue& base, ESAtom atom, ESCell& cell) {
+    if (base.isObject() && atom != wellKnownAtoms.length) {
+        if (const ESProperty* slot = base.object->properties.find(atom)) {
+            cell.operand.low = static_cast<std::uint32_t>(slot - &base.object->properties.at(0));
+        }
+    }
+}
+
+// A new object of a constructor, with room for what the constructor gave the ones before.
 ESObject* newFromPrototypeOf(ESContext& ctx, ESObject* constructor) {
     const ESProperty* slot = guessedOwn(constructor, wellKnownAtoms.prototype, 1);
     const ESValue prototype = slot != nullptr ? slot->value() : ctx.get(constructor, wellKnownAtoms.prototype);
-    return ctx.newObject(prototype.isObject() ? prototype.object : ctx.objectPrototype, ctx.plainClass);
+    ESObject* made = ctx.newObject(prototype.isObject() ? prototype.object : ctx.objectPrototype, ctx.plainClass);
+    const ESCodeBlock* block = constructor->callClosure->block;
+    if (block != nullptr && block->fused != nullptr) {
+        made->properties.reserve(ctx.arena(), block->fused->propertiesMade);
+    }
+    return made;
 }
 
 const void* const* loop(ESContext* context, ESFusedCode* code);
@@ -327,8 +342,8 @@ void executeFused(ESContext& ctx, ESCodeBlock& block) {
     }
 #define COMPARISON(name, comparison, slow)                                                                       \
     CASE(name): {                                                                                                \
-        const ESValue left = R(B);                                                                               \
-        const ESValue right = R(C);                                                                              \
+        const ESValue& left = R(B);                                                                              \
+        const ESValue& right = R(C);                                                                             \
         bool result;                                                                                             \
         if (bothNumbers(left, right)) [[likely]] {                                                               \
             const double a = left.number, b = right.number;                                                      \
@@ -515,21 +530,25 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         NEXT(BitNot)
     }
     CASE(ToNumber): {
-        ESValue v = R(B);
-        if (v.tag != ESTagNumber) {
+        if (R(B).tag == ESTagNumber) {
+            setNumber(R(A), R(B).number);
+        } else {
             SYNC();
+            ESValue v = R(B);
             ctx.toNumber(v);
+            setNumber(R(A), v.number);
         }
-        setNumber(R(A), v.number);
         NEXT(ToNumber)
     }
     CASE(Negate): {
-        ESValue v = R(B);
-        if (v.tag != ESTagNumber) {
+        if (R(B).tag == ESTagNumber) [[likely]] {
+            setNumber(R(A), -R(B).number);
+        } else {
             SYNC();
+            ESValue v = R(B);
             ctx.toNumber(v);
+            setNumber(R(A), -v.number);
         }
-        setNumber(R(A), -v.number);
         NEXT(Negate)
     }
     CASE(TypeOf): {
@@ -669,10 +688,10 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         NEXT(PutIndexed)
     }
     CASE(CompoundField): {
-        const ESValue base = R(B);
-        const ESValue right = R(pc[4].operand.low);
+        const ESValue& base = R(B);
+        const ESValue& right = R(pc[4].operand.low);
         const auto opcode = static_cast<ESOpcode>(pc[3].operand.high);
-        if (base.isObject() && right.isNumber()) [[likely]] {
+        if (base.tag == ESTagObject && right.tag == ESTagNumber) [[likely]] {
             ESProperty* slot = guessedOwn(base.object, pc[2].atom, pc[3].operand.low);
             double result;
             if (slot != nullptr && slot->tag == ESTagNumber && slot->attributes == 0 &&
@@ -683,24 +702,22 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
             }
         }
         SYNC();
-        const ESValue result = compoundIndexed(ctx, opcode, base, atomValue(pc[2].atom), right);
-        if (base.isObject() && pc[2].atom != wellKnownAtoms.length) {
-            if (const ESProperty* slot = base.object->properties.find(pc[2].atom)) {
-                pc[3].operand.low = static_cast<std::uint32_t>(slot - &base.object->properties.at(0));
-            }
-        }
+        const ESValue baseCopy = base;
+        const ESValue rightCopy = right;
+        const ESValue result = compoundIndexed(ctx, opcode, baseCopy, atomValue(pc[2].atom), rightCopy);
+        rememberOwn(baseCopy, pc[2].atom, pc[3]);
         R(A) = result;
         NEXT(CompoundField)
     }
     CASE(CompoundIndexed): {
-        const ESValue base = R(B);
-        const ESValue key = R(C);
-        const ESValue right = R(D);
+        const ESValue& base = R(B);
+        const ESValue& key = R(C);
+        const ESValue& right = R(D);
         const auto opcode = static_cast<ESOpcode>(pc[3].operand.low);
-        if (base.isObject() && right.isNumber()) [[likely]] {
+        if (base.tag == ESTagObject && right.tag == ESTagNumber) [[likely]] {
             ESValue* element = denseElement(base.object, key);
             double result;
-            if (element != nullptr && element->isNumber() &&
+            if (element != nullptr && element->tag == ESTagNumber &&
                 numberOperator(static_cast<ESOpcode>(opcode - 1), element->number, right.number, result)) [[likely]] {
                 element->number = result;
                 setNumber(R(A), result);
@@ -708,13 +725,16 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
             }
         }
         SYNC();
-        R(A) = compoundIndexed(ctx, opcode, base, key, right);
+        const ESValue baseCopy = base;
+        const ESValue keyCopy = key;
+        const ESValue rightCopy = right;
+        R(A) = compoundIndexed(ctx, opcode, baseCopy, keyCopy, rightCopy);
         NEXT(CompoundIndexed)
     }
     CASE(StepField): {
-        const ESValue base = R(B);
+        const ESValue& base = R(B);
         const auto opcode = static_cast<ESOpcode>(pc[3].operand.high);
-        if (base.isObject()) [[likely]] {
+        if (base.tag == ESTagObject) [[likely]] {
             ESProperty* slot = guessedOwn(base.object, pc[2].atom, pc[3].operand.low);
             if (slot != nullptr && slot->tag == ESTagNumber && slot->attributes == 0) [[likely]] {
                 const double old = slot->number;
@@ -724,27 +744,26 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
             }
         }
         SYNC();
-        const ESValue result = stepElement(ctx, opcode, base, atomValue(pc[2].atom));
-        if (base.isObject() && pc[2].atom != wellKnownAtoms.length) {
-            if (const ESProperty* slot = base.object->properties.find(pc[2].atom)) {
-                pc[3].operand.low = static_cast<std::uint32_t>(slot - &base.object->properties.at(0));
-            }
-        }
+        const ESValue baseCopy = base;
+        const ESValue result = stepElement(ctx, opcode, baseCopy, atomValue(pc[2].atom));
+        rememberOwn(baseCopy, pc[2].atom, pc[3]);
         R(A) = result;
         NEXT(StepField)
     }
     CASE(StepIndexed): {
-        const ESValue base = R(B);
-        const ESValue key = R(C);
+        const ESValue& base = R(B);
+        const ESValue& key = R(C);
         const auto opcode = static_cast<ESOpcode>(D);
-        ESValue* element = base.isObject() ? denseElement(base.object, key) : nullptr;
-        if (element != nullptr && element->isNumber()) [[likely]] {
+        ESValue* element = base.tag == ESTagObject ? denseElement(base.object, key) : nullptr;
+        if (element != nullptr && element->tag == ESTagNumber) [[likely]] {
             const double old = element->number;
             element->number = step(old, opcode);
             setNumber(R(A), givesOld(opcode) ? old : element->number);
         } else {
             SYNC();
-            R(A) = stepElement(ctx, opcode, base, key);
+            const ESValue baseCopy = base;
+            const ESValue keyCopy = key;
+            R(A) = stepElement(ctx, opcode, baseCopy, keyCopy);
         }
         NEXT(StepIndexed)
     }
@@ -917,6 +936,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
 
     CASE(NewObject): {
         ESObject* object = ctx.newPlainObject();
+        object->properties.reserve(ctx.arena(), B);
         ESValue& to = R(A);
         to.tag = ESTagObject;
         to.object = object;
@@ -976,9 +996,13 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
             if (code->needsActivation && !isCaptured(saved.node)) {
                 code->freeNodes.push_back(saved.node);
             }
-            if (saved.made != nullptr && result.tag != ESTagObject) {
-                result.tag = ESTagObject;
-                result.object = saved.made;
+            if (saved.made != nullptr) {
+                constexpr std::uint32_t mostReserved = 32;
+                code->propertiesMade = std::clamp(saved.made->properties.count(), code->propertiesMade, mostReserved);
+                if (result.tag != ESTagObject) {
+                    result.tag = ESTagObject;
+                    result.object = saved.made;
+                }
             }
             code = saved.code;
             fp = saved.frame;

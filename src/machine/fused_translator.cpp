@@ -94,6 +94,7 @@ class Translator {
     void calls(ESOpcode op);
     void jumps(ESOpcode op);
     void others(ESOpcode op);
+    std::uint32_t countInitialisers() const;
     void binary(ESOpcode op);
     void unary(ESOpcode op, ESFusedOp fused);
     void comparison(ESOpcode op);
@@ -894,6 +895,20 @@ void Translator::calls(ESOpcode op) {
     pushResult();
 }
 
+// How many properties the initialiser that begins here defines: its definitions stand one above its object.
+std::uint32_t Translator::countInitialisers() const {
+    const std::int32_t depth = depthAt_[static_cast<std::size_t>(offset_)] + 1;
+    std::uint32_t count = 0;
+    for (std::int32_t offset = next_; offset < block_.length(); offset += instructionTable[opAt(offset)].width()) {
+        const std::int32_t here = depthAt_[static_cast<std::size_t>(offset)];
+        if (here < depth) {
+            break;
+        }
+        count += opAt(offset) == OP_INITF && here == depth + 1 ? 1 : 0;
+    }
+    return count;
+}
+
 void Translator::others(ESOpcode op) {
     const std::size_t depth = stack_.size();
     switch (op) {
@@ -959,9 +974,10 @@ void Translator::others(ESOpcode op) {
         return pushResult();
     }
     case OP_NEWOBJ: {
+        const std::uint32_t properties = countInitialisers();
         const std::uint32_t to = destination();
         emit(ESFusedOp::NewObject, 0);
-        operands(to, 0);
+        operands(to, properties);
         return pushResult();
     }
     case OP_WITH: {

@@ -11,6 +11,9 @@ bool isText(const ESValue& v) { return v.isString(); }
 std::uint32_t typeOf(const ESValue& v) { return v.tag == ESTagString ? std::uint32_t{ESTagAtom} : v.tag; }
 
 ESValue add(ESContext& ctx, ESValue left, ESValue right) {
+    if (left.isString() && right.isString()) {
+        return ctx.concatenate(left, right);
+    }
     if (right.isObject()) {
         ctx.toPrimitive(right, ESTagAny);
     }
@@ -18,6 +21,9 @@ ESValue add(ESContext& ctx, ESValue left, ESValue right) {
         ctx.toPrimitive(left, ESTagAny);
     }
     if (isText(left) || isText(right)) {
+        if (left.isNumber() || right.isNumber()) {
+            return ctx.concatenateNumber(left, right);
+        }
         return ctx.concatenate(ctx.toStringValue(left), ctx.toStringValue(right));
     }
     ctx.toNumber(left);
@@ -309,10 +315,12 @@ ESObject* newFunction(ESContext& ctx, ESCodeBlock* block) {
     captureScope(ctx.scope);
     fn->callClosure = closure;
     fn->constructClosure = closure;
-    ctx.put(fn, wellKnownAtoms.length, numberValue(block->argCount));
     ESObject* prototype = ctx.newPlainObject();
-    ctx.put(fn, wellKnownAtoms.prototype, objectValue(prototype));
-    ctx.put(prototype, wellKnownAtoms.constructor, objectValue(fn));
+    fn->properties.reserve(ctx.arena(), 2);
+    fn->properties.append(ctx.arena(), wellKnownAtoms.length, 0, numberValue(block->argCount));
+    fn->properties.append(ctx.arena(), wellKnownAtoms.prototype, 0, objectValue(prototype));
+    prototype->properties.reserve(ctx.arena(), 1);
+    prototype->properties.append(ctx.arena(), wellKnownAtoms.constructor, 0, objectValue(fn));
     return fn;
 }
 
@@ -342,7 +350,7 @@ void pushActivation(ESContext& ctx, const ESCodeBlock& block, std::int32_t argc,
     const std::size_t count = arguments + static_cast<std::size_t>(block.localCount);
     ESObject* activation = ctx.newObject(nullptr, ctx.activationClass);
     auto* slots = ctx.arena().allocateArray<ESProperty>(count);
-    std::uint32_t mask = 0;
+    std::uint64_t mask = 0;
     for (std::size_t i = 0; i < count; ++i) {
         const std::size_t variable = i < formals ? i : i - arguments + formals;
         const bool named = i < formals || (i >= arguments && variable < block.variables.size());

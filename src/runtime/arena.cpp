@@ -34,19 +34,19 @@ void* ESArena::allocateSlow(std::size_t bytes) {
 }
 
 void* ESArena::allocateBlock(std::size_t bytes) {
-    const std::size_t sizeClass = (bytes + 31) / 32;
+    const std::size_t sizeClass = (bytes + 15) / 16;
     if (sizeClass < sizeClasses) {
         if (FreeBlock* block = free_[sizeClass]) {
             free_[sizeClass] = block->next;
             return block;
         }
-        return allocate(sizeClass * 32);
+        return allocate(sizeClass * 16);
     }
     return allocate(bytes);
 }
 
 void ESArena::releaseBlock(void* block, std::size_t bytes) {
-    const std::size_t sizeClass = (bytes + 31) / 32;
+    const std::size_t sizeClass = (bytes + 15) / 16;
     if (block == nullptr) {
         return;
     }

@@ -41,7 +41,7 @@ class ESArena {
     struct FreeBlock {
         FreeBlock* next;
     };
-    static constexpr int sizeClasses = 64; // multiples of 32 bytes, up to 2048
+    static constexpr int sizeClasses = 128; // multiples of 16 bytes, below 2048
 
     std::byte* next_ = nullptr;
     std::byte* end_ = nullptr;

@@ -13,12 +13,20 @@ WellKnownAtoms wellKnownAtoms;
 namespace {
 
 std::uint32_t hashOf(QStringView text) {
-    // Two code units a step would be faster still, but names are short.
-    std::uint64_t hash = 0x9E3779B97F4A7C15u ^ static_cast<std::uint64_t>(text.size());
-    for (const QChar c : text) {
-        hash = (hash ^ c.unicode()) * 0x100000001B3u;
+    constexpr std::uint64_t factor = 0x9E3779B97F4A7C15u;
+    const char16_t* at = text.utf16();
+    auto rest = static_cast<std::size_t>(text.size());
+    std::uint64_t hash = factor ^ rest;
+    for (; rest >= 4; rest -= 4, at += 4) {
+        std::uint64_t four;
+        std::memcpy(&four, at, sizeof four);
+        hash = (hash ^ four) * factor;
+        hash ^= hash >> 32;
     }
-    hash ^= hash >> 29;
+    for (; rest != 0; --rest, ++at) {
+        hash = (hash ^ *at) * factor;
+        hash ^= hash >> 32;
+    }
     hash *= 0xBF58476D1CE4E5B9u;
     return static_cast<std::uint32_t>(hash >> 32);
 }
@@ -46,7 +54,8 @@ class ESAtomTable {
   public:
     ESAtomTable();
 
-    ESAtom intern(QStringView text, std::uint32_t order);
+    // order 0: the next. A text that lasts as long as the table lends its characters.
+    ESAtom intern(QStringView text, std::uint32_t order, bool lasting = false);
     ESAtom find(QStringView text) const;
 
     ESArena arena;
@@ -116,7 +125,7 @@ std::size_t ESAtomTable::slotOf(QStringView text, std::uint32_t hash) const {
 
 ESAtom ESAtomTable::find(QStringView text) const { return slots_[slotOf(text, hashOf(text))]; }
 
-ESAtom ESAtomTable::intern(QStringView text, std::uint32_t order) {
+ESAtom ESAtomTable::intern(QStringView text, std::uint32_t order, bool lasting) {
     const std::uint32_t hash = hashOf(text);
     std::size_t slot = slotOf(text, hash);
     if (slots_[slot] != nullptr) {
@@ -127,8 +136,12 @@ ESAtom ESAtomTable::intern(QStringView text, std::uint32_t order) {
         slot = slotOf(text, hash);
     }
     auto* entry = static_cast<ESAtomEntry*>(arena.allocate(sizeof(ESAtomEntry)));
-    auto* copy = arena.allocateArray<char16_t>(std::max<std::size_t>(static_cast<std::size_t>(text.size()), 1));
-    std::memcpy(copy, text.utf16(), static_cast<std::size_t>(text.size()) * 2);
+    const char16_t* kept = text.utf16();
+    if (!lasting) {
+        auto* copy = arena.allocateArray<char16_t>(std::max<std::size_t>(static_cast<std::size_t>(text.size()), 1));
+        std::memcpy(copy, kept, static_cast<std::size_t>(text.size()) * sizeof(char16_t));
+        kept = copy;
+    }
     entry->index = -1;
     entry->hash = hash;
     entry->arrayIndex = parseArrayIndex(text);
@@ -137,7 +150,7 @@ ESAtom ESAtomTable::intern(QStringView text, std::uint32_t order) {
     entry->order = counted ? orderInRuns(entry->arrayIndex) : order != 0 ? order : ++lastTextOrder;
     entry->text.length_ = static_cast<std::uint32_t>(text.size());
     entry->text.order_ = entry->order;
-    entry->text.characters_ = copy;
+    entry->text.characters_ = kept;
     entry->text.buffer_ = nullptr;
     entry->text.atom_ = entry;
     slots_[slot] = entry;
@@ -167,7 +180,9 @@ std::uint32_t ESAtomTable::orderInRuns(std::uint32_t index) const {
     return run->firstOrder + (index - run->firstIndex);
 }
 
-ESAtom intern(QStringView text) { return atoms().intern(text, 0); }
+ESAtom intern(QStringView text) {
+    return atoms().intern(text.isEmpty() ? QStringView(u"", qsizetype{0}) : text, 0); // with an address
+}
 
 ESAtom intern(const char* latin1) {
     char16_t buffer[128];
@@ -183,12 +198,12 @@ ESAtom internText(const ESText& text) {
     if (const ESAtom known = text.knownAtom()) {
         return known;
     }
-    const ESAtom atom = atoms().intern(text.view(), text.order());
+    const ESAtom atom = atoms().intern(text.view(), text.order(), true);
     text.rememberAtom(atom);
     return atom;
 }
 
-ESAtom findAtom(QStringView text) { return atoms().find(text); }
+ESAtom findAtom(QStringView text) { return text.isEmpty() ? intern(text) : atoms().find(text); }
 
 ESAtom indexAtom(std::uint32_t number) {
     if (number < 100) {

@@ -129,6 +129,8 @@ class ESContext {
     ESValue substring(const ESValue& string, std::uint32_t from, std::uint32_t length);
     // Both hold strings. RangeError "length too large" past ESText::maxLength.
     ESValue concatenate(const ESValue& left, const ESValue& right);
+    // The same for a number and a primitive, either way round.
+    ESValue concatenateNumber(const ESValue& left, const ESValue& right);
     // The text of a string value (either tag).
     static const ESText& textOf(const ESValue& v) { return v.tag == ESTagAtom ? v.atom->text : *v.text; }
     static QStringView viewOf(const ESValue& v) { return textOf(v).view(); }

@@ -213,6 +213,28 @@ ESValue ESContext::toStringValue(const ESValue& v) {
     }
 }
 
+ESValue ESContext::concatenateNumber(const ESValue& left, const ESValue& right) {
+    const bool numberFirst = left.isNumber();
+    const ESValue text = toStringValue(numberFirst ? right : left);
+    DigitBuffer buffer;
+    const std::string_view digits = numberText(numberFirst ? left.number : right.number, 10, buffer);
+    std::array<char16_t, 32> wide;
+    if (digits.size() > wide.size()) {
+        return concatenate(toStringValue(left), toStringValue(right));
+    }
+    std::copy(digits.begin(), digits.end(), wide.begin());
+    const QStringView number(wide.data(), static_cast<qsizetype>(digits.size()));
+    const ESText& other = textOf(text);
+    if (other.length() == 0) {
+        return newString(number);
+    }
+    if (other.length() + digits.size() > ESText::maxLength) {
+        raiseRangeError("length too large");
+    }
+    return textValue(numberFirst ? ESText::prepend(textArena(), number, other)
+                                 : ESText::append(textArena(), other, number));
+}
+
 QString ESContext::toString(const ESValue& v, std::int32_t radix) {
     if (v.isNumber()) {
         DigitBuffer buffer;
@@ -360,6 +382,7 @@ ESObject* ESContext::objectFromValue(std::int32_t argc, const ESValue* argv) {
 
 ESObject* ESContext::newArray(std::uint32_t count, const ESValue* values) {
     ESObject* array = newObject(arrayPrototype, arrays);
+    array->properties.reserve(arena_, 1);
     array->properties.append(arena_, wellKnownAtoms.length, 0, numberValue(count));
     if (count != 0) {
         noteIndexNames(count);

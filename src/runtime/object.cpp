@@ -64,7 +64,7 @@ void ESPropertyTable::reserve(ESArena& arena, std::uint32_t capacity) {
     }
 }
 
-void ESPropertyTable::adopt(ESProperty* piece, std::uint32_t count, std::uint32_t mask) {
+void ESPropertyTable::adopt(ESProperty* piece, std::uint32_t count, std::uint64_t mask) {
     slots_ = piece;
     count_ = capacity_ = count;
     mask_ = mask;

@@ -75,10 +75,10 @@ class ESPropertyTable {
     // From now on positions never change.
     void pin() { pinned_ = true; }
     // Takes over the `count` slots at `piece`, which the arena owns; only for an empty table (activations).
-    void adopt(ESProperty* piece, std::uint32_t count, std::uint32_t mask);
+    void adopt(ESProperty* piece, std::uint32_t count, std::uint64_t mask);
 
-    static std::uint32_t maskBit(ESAtom atom) { return 1u << (atom->hash >> 27); }
-    std::uint32_t mask() const { return mask_; }
+    static std::uint64_t maskBit(ESAtom atom) { return std::uint64_t{1} << (atom->hash >> 26); }
+    std::uint64_t mask() const { return mask_; }
 
   private:
     ESProperty* findIndexed(ESAtom atom);
@@ -90,8 +90,8 @@ class ESPropertyTable {
     std::uint32_t count_ = 0;
     std::uint32_t capacity_ = 0;
     std::uint32_t* index_ = nullptr; // open addressing, position + 1 by hash; only for many slots
+    std::uint64_t mask_ = 0;         // which atoms may be here, a bit each of 64
     std::uint32_t indexSize_ = 0;    // entries of index_, a power of two
-    std::uint32_t mask_ = 0;         // which atoms may be here, a bit each of 32
     std::uint32_t dead_ = 0;         // erased slots
     bool pinned_ = false;
 
@@ -145,4 +145,4 @@ struct ESObject {
     ESElements elements;
     std::int32_t memberIndex = -1; // a native function's member of its class, -1 for everything else
 };
-static_assert(sizeof(ESObject) <= 120);
+static_assert(sizeof(ESObject) <= 128);

@@ -4,6 +4,7 @@
 #include "runtime/atom.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <vector>
 
@@ -13,7 +14,9 @@ namespace {
 constexpr std::uint32_t copyLimit = 24;
 
 void copyCharacters(char16_t* to, const char16_t* from, std::uint32_t count) {
-    std::memcpy(to, from, std::size_t{count} * sizeof(char16_t));
+    if (count != 0) { // an empty view may have no address
+        std::memcpy(to, from, std::size_t{count} * sizeof(char16_t));
+    }
 }
 
 ESTextBuffer* newBuffer(ESArena& arena, std::uint32_t capacity) {
@@ -31,8 +34,8 @@ ESArena& textArena() {
     return arena;
 }
 
-const ESText* ESText::makeView(ESArena& arena, const char16_t* characters, std::uint32_t length) {
-    auto* text = static_cast<ESText*>(arena.allocate(sizeof(ESText)));
+ESText* ESText::newText(void* memory, const char16_t* characters, std::uint32_t length) {
+    auto* text = static_cast<ESText*>(memory);
     text->length_ = length;
     text->order_ = nextTextOrder();
     text->characters_ = characters;
@@ -41,40 +44,68 @@ const ESText* ESText::makeView(ESArena& arena, const char16_t* characters, std::
     return text;
 }
 
-const ESText* ESText::make(ESArena& arena, QStringView characters) {
-    const auto length = static_cast<std::uint32_t>(characters.size());
-    auto* copy = arena.allocateArray<char16_t>(std::max(length, 1u));
-    copyCharacters(copy, characters.utf16(), length);
-    return makeView(arena, copy, length);
+// A text with its characters right behind it: two parts, put together.
+const ESText* ESText::makeOf(ESArena& arena, QStringView left, QStringView right) {
+    const auto length = static_cast<std::uint32_t>(left.size() + right.size());
+    auto* memory = static_cast<std::byte*>(arena.allocate(sizeof(ESText) + std::size_t{length} * sizeof(char16_t)));
+    auto* copy = reinterpret_cast<char16_t*>(memory + sizeof(ESText));
+    copyCharacters(copy, left.utf16(), static_cast<std::uint32_t>(left.size()));
+    copyCharacters(copy + left.size(), right.utf16(), static_cast<std::uint32_t>(right.size()));
+    return newText(memory, copy, length);
 }
+
+const ESText* ESText::makeView(ESArena& arena, const char16_t* characters, std::uint32_t length) {
+    return newText(arena.allocate(sizeof(ESText)), characters, length);
+}
+
+const ESText* ESText::make(ESArena& arena, QStringView characters) { return makeOf(arena, characters, {}); }
 
 const ESText* ESText::makePart(ESArena& arena, const ESText& whole, std::uint32_t from, std::uint32_t length) {
     return makeView(arena, whole.characters() + from, length);
 }
 
+// This text with more characters behind it, in place; null where its buffer has no room or goes on otherwise.
+const ESText* ESText::extended(ESArena& arena, const char16_t* characters, std::uint32_t length) const {
+    if (!isFlat() || buffer_ == nullptr || characters_ + length_ != buffer_->characters + buffer_->used ||
+        buffer_->capacity - buffer_->used < length) {
+        return nullptr;
+    }
+    ESText* text = newText(arena.allocate(sizeof(ESText)), characters_, length_ + length);
+    copyCharacters(buffer_->characters + buffer_->used, characters, length);
+    buffer_->used += length;
+    text->buffer_ = buffer_;
+    return text;
+}
+
 const ESText* ESText::concatenate(ESArena& arena, const ESText& left, const ESText& right) {
-    const std::uint32_t length = left.length_ + right.length_;
-    if (left.isFlat() && left.buffer_ != nullptr && right.isFlat()) {
-        ESTextBuffer* buffer = left.buffer_;
-        const bool atEnd = left.characters_ + left.length_ == buffer->characters + buffer->used;
-        if (atEnd && buffer->capacity - buffer->used >= right.length_) {
-            copyCharacters(buffer->characters + buffer->used, right.characters_, right.length_);
-            buffer->used += right.length_;
-            auto* text = const_cast<ESText*>(makeView(arena, left.characters_, length));
-            text->buffer_ = buffer;
+    if (right.isFlat()) {
+        if (const ESText* text = left.extended(arena, right.characters_, right.length_)) {
             return text;
         }
     }
+    const std::uint32_t length = left.length_ + right.length_;
     if (length <= copyLimit) {
-        auto* copy = arena.allocateArray<char16_t>(std::max(length, 1u));
-        copyCharacters(copy, left.characters(), left.length_);
-        copyCharacters(copy + left.length_, right.characters(), right.length_);
-        return makeView(arena, copy, length);
+        return makeOf(arena, left.view(), right.view());
     }
-    auto* text = const_cast<ESText*>(makeView(arena, nullptr, length));
+    ESText* text = newText(arena.allocate(sizeof(ESText)), nullptr, length);
     text->left_ = &left;
     text->right_ = &right;
     return text;
+}
+
+const ESText* ESText::append(ESArena& arena, const ESText& left, QStringView right) {
+    const auto length = static_cast<std::uint32_t>(right.size());
+    if (const ESText* text = left.extended(arena, right.utf16(), length)) {
+        return text;
+    }
+    return left.length_ + length <= copyLimit ? makeOf(arena, left.view(), right)
+                                              : concatenate(arena, left, *make(arena, right));
+}
+
+const ESText* ESText::prepend(ESArena& arena, QStringView left, const ESText& right) {
+    return static_cast<std::uint32_t>(left.size()) + right.length_ <= copyLimit
+               ? makeOf(arena, left, right.view())
+               : concatenate(arena, *make(arena, left), right);
 }
 
 // Walks the halves from the right end to the left without recursion, since a text that was appended to

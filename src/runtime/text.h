@@ -54,11 +54,17 @@ class ESText {
     static const ESText* makePart(ESArena& arena, const ESText& whole, std::uint32_t from, std::uint32_t length);
     // left followed by right. The sum of the lengths must not pass maxLength.
     static const ESText* concatenate(ESArena& arena, const ESText& left, const ESText& right);
+    // A text followed by (or behind) a few characters, which are copied.
+    static const ESText* append(ESArena& arena, const ESText& left, QStringView right);
+    static const ESText* prepend(ESArena& arena, QStringView left, const ESText& right);
 
   private:
     friend class ESAtomTable;
     ESText() = default;
     void flatten() const;
+    static ESText* newText(void* memory, const char16_t* characters, std::uint32_t length);
+    static const ESText* makeOf(ESArena& arena, QStringView left, QStringView right);
+    const ESText* extended(ESArena& arena, const char16_t* characters, std::uint32_t length) const;
 
     std::uint32_t length_;
     std::uint32_t order_;

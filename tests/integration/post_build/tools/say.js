@@ -1,0 +1,3 @@
+function say(text) {
+    WScript.Echo("say: " + text + "\n");
+}
