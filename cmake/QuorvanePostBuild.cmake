@@ -16,15 +16,11 @@
 #
 # The step is also a target of its own, named after the output file: quorvane_firmware-stamped.elf, say.
 
-# Run as a script (cmake -P), this file is the last command of the step.
-if(CMAKE_SCRIPT_MODE_FILE STREQUAL CMAKE_CURRENT_LIST_FILE AND DEFINED QUORVANE_CHECK_SAVED)
-    if(NOT EXISTS "${QUORVANE_CHECK_SAVED}")
-        message(FATAL_ERROR "${QUORVANE_CHECK_SCRIPT} has not saved its output, ${QUORVANE_CHECK_SAVED}")
-    endif()
-    return()
-endif()
-
-set(QUORVANE_POST_BUILD_FILE "${CMAKE_CURRENT_LIST_FILE}")
+# Called with the output and the command: nothing but the image of a script that went well is ever in place.
+set(QUORVANE_POST_BUILD_SHELL [[rm -f "$0"
+"$@" || { status=$?; rm -f "$0"; exit $status; }
+[ -e "$0" ] || { echo "error: the script has not saved its output, $0" >&2; exit 1; }]])
+string(REPLACE "\n" "; " QUORVANE_POST_BUILD_SHELL "${QUORVANE_POST_BUILD_SHELL}")
 
 # Everything behind a second "=" would be dropped without a word when the program runs.
 function(quorvane_check_definition definition)
@@ -91,20 +87,10 @@ function(quorvane_post_build)
         list(APPEND words -load "${file}")
     endforeach()
 
-    # Makefile generators do not run a command again because it has changed: so the words are a file as well,
-    # which is written when its text is another.
-    string(MD5 key "${arg_OUTPUT}")
-    set(record "${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/quorvane_${key}.words")
-    string(JOIN "\n" text ${words})
-    file(GENERATE OUTPUT "${record}" CONTENT "${text}\n")
-
     add_custom_command(OUTPUT "${arg_OUTPUT}"
         BYPRODUCTS ${arg_BYPRODUCTS}
-        COMMAND "${CMAKE_COMMAND}" -E rm -f "${arg_OUTPUT}"
-        COMMAND Quorvane::quorvane ${words}
-        COMMAND "${CMAKE_COMMAND}" "-DQUORVANE_CHECK_SAVED=${arg_OUTPUT}" "-DQUORVANE_CHECK_SCRIPT=${arg_SCRIPT}"
-            -P "${QUORVANE_POST_BUILD_FILE}"
-        DEPENDS "${arg_TARGET}" "${image}" ${scripts} "${record}" ${arg_DEPENDS}
+        COMMAND sh -c "${QUORVANE_POST_BUILD_SHELL}" "${arg_OUTPUT}" "$<TARGET_FILE:Quorvane::quorvane>" ${words}
+        DEPENDS "${arg_TARGET}" "${image}" ${scripts} ${arg_DEPENDS}
             "$<TARGET_FILE:Quorvane::quorvane>"
         COMMENT "Running ${arg_SCRIPT} on ${arg_TARGET}"
         VERBATIM)

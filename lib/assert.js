@@ -3,10 +3,10 @@
 // status is 1.
 //
 //   Assert.fail(text)                        prints "error: " and the text, and ends the run
-//   Assert.that(condition, text)             fails unless the condition is true; NaN, true elsewhere, fails too
+//   Assert.that(condition, text)             fails unless the condition is true; NaN fails as well
 //   Assert.equal(actual, expected, text)     fails unless both are the same, without conversion (1 and "1"
 //                                            differ, NaN equals NaN); arrays element by element
-//   Assert.defined(value, name)              gives `value`, which a -define of that name makes; fails without it
+//   Assert.defined(value, name)              gives `value`, or fails with the -define that is missing
 //
 // In a text that runs under eval() or load(), an error ends that text alone and the script goes on behind
 // the call: give files to -load instead. Needs no other file.

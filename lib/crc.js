@@ -1,8 +1,7 @@
-// Crc: the checksums that boot loaders and tools ask for, over an array of bytes such as ElfFile.peekBytes
-// gives.
+// Crc: the checksums that boot loaders and tools ask for, over an array of bytes.
 //
 //   Crc.zlib(bytes, before)          CRC-32 of zlib, gzip, PNG, Ethernet    "123456789" gives 0xCBF43926
-//   Crc.bzip2(bytes)                 CRC-32/BZIP2, the one of TBSys.crc32            0xFC891918
+//   Crc.bzip2(bytes)                 CRC-32/BZIP2, the one of TBSys.crc32                   0xFC891918
 //   Crc.mpeg2(bytes)                 CRC-32/MPEG-2                                          0x0376E6E7
 //   Crc.stm32(bytes)                 as the unit in STM32 chips does it: MPEG-2 over 32-bit words that it
 //                                    reads with the low byte first; undefined unless the length is a

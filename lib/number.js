@@ -8,7 +8,7 @@
 //   Numbers.parseInteger(text)       decimal whole number, or hexadecimal with 0x, or binary with 0b
 //   Numbers.hex(number, digits)      "0x000000FF": with at least `digits` digits; -1 to -2^31 as 32 bits
 //   Numbers.hexDigits(number, digits)    the same without 0x
-//   Numbers.fixed(number, digits)    toFixed that writes NaN and Infinity by these names, and no negative zero
+//   Numbers.fixed(number, digits)    toFixed that writes NaN and Infinity by these names, and no -0.00
 //   Numbers.exact(number)            the shortest decimal text that reads back as this number (20 places at
 //                                    most, so below 0.0001 not all of its digits)
 //   Numbers.grouped(number, separator)   whole number with `separator`, or a comma, between its thousands

@@ -6,8 +6,8 @@
 //   Words.peek64(address, bigEndian, virtual)         Words.poke64(address, value, bigEndian, virtual)
 //   Words.peekString(address, limit, virtual)         Words.pokeString(address, text, size, virtual)
 //   Words.peekBytes(address, length, virtual)         the bytes, all of which must be in the image
-//   Words.bigEndian(address, virtual)                 true when the image holds its words with the high byte first;
-//                                                     `address` is any place in it that holds a word
+//   Words.bigEndian(address, virtual)                 true when words have the high byte first;
+//                                                     `address` is any word of the image
 //
 // The peeks give undefined where a byte is not in the image, the pokes true when they have written; like
 // pokeBytes they write nothing across the end of a segment. `virtual` is as for ElfFile: left out or true a

@@ -6,8 +6,9 @@ usage: check_docs.py --program PATH [--show] [DOCUMENT...]
 In docs/*.md every block fenced as ```js is a whole script. Behind it stand what it must print on stdout, in a
 block fenced as ```text, or on stderr, in one fenced as ```error (exit status 1), or both in this order. Each
 script runs as `quorvane -load example.js` in a temporary folder of its own, in which firmware/ holds copies
-of the images of examples/firmware and lib/ one of lib/. A block fenced as ```js prelude prints nothing and is loaded in front of
-every later script of its document. --show prints what the scripts really print.
+of the images of examples/firmware and lib/ one of lib/. Words behind ```js that begin with a - stand in front
+of the -load. A block fenced as ```js prelude prints nothing and is loaded in front of every later script of
+its document. --show prints what the scripts really print.
 
 Besides, every member in a table of the native and host classes must stand in the section of its class, the
 relative links of README.md and docs/*.md must lead somewhere, and docs/instructions.md must be current.
@@ -73,7 +74,7 @@ def examples(text):
         if block.kind == "js prelude":
             prelude += block.text()
             current = None
-        elif block.kind == "js":
+        elif block.kind == "js" or block.kind.startswith("js -"):
             current = Example(block, prelude)
             result.append(current)
         elif block.kind in ("text", "error") and adjacent and current is not None:
@@ -98,6 +99,7 @@ def run(program, example):
         shutil.copytree(ROOT / "lib", folder / "lib")
         (folder / "example.js").write_bytes(example.script.text().encode("latin-1"))
         command = shlex.split(os.environ.get("QUORVANE_WRAPPER", "")) + [program]
+        command += shlex.split(example.script.kind)[1:]
         if example.prelude:
             (folder / "prelude.js").write_bytes(example.prelude.encode("latin-1"))
             command += ["-load", "prelude.js"]
@@ -117,7 +119,7 @@ def example_faults(example, actual):
 
 
 def sections(text):
-    """Pairs of a heading and the text below it, down to the next heading of the same level or a higher one."""
+    """Pairs of a heading and the text below it, down to the next one of the same level or a higher one."""
     lines = text.split("\n")
     fenced, starts = False, []
     for number, line in enumerate(lines):
@@ -133,8 +135,10 @@ def sections(text):
 def registered_members():
     """Pairs of a class name and a member or constant of its tables."""
     found = []
-    sources = [p for folder in ("natives", "hostobjects", "elf") for p in (ROOT / "src" / folder).glob("*.cpp")]
-    for path in sorted(sources):
+    sources = []
+    for folder in ("natives", "hostobjects", "elf"):
+        sources += sorted((ROOT / "src" / folder).glob("*.cpp"))
+    for path in sources:
         text = path.read_text(encoding="utf-8")
         header = path.with_suffix(".h")
         if not TABLE.search(text):
@@ -187,8 +191,8 @@ def self_test():
     assert not list(example_faults(example, ("z\n", "", 0)))
     assert list(example_faults(example, ("z", "", 0)))
     assert len(list(example_faults(example, ("z\n", "error: e\n", 1)))) == 2
-    for broken in (document.replace("text", "sh"), document.replace("\n\n%stext" % fence, "\nso\n%stext" % fence),
-                   document + fence + "js\n"):
+    for broken in (document.replace("text", "sh"), document + fence + "js\n",
+                   document.replace("\n\n%stext" % fence, "\nso\n%stext" % fence)):
         try:
             examples(broken)
         except ValueError:

@@ -10,6 +10,8 @@ set(documents "${usr}/share/doc/quorvane")
 file(COPY_FILE "${CMAKE_CURRENT_LIST_DIR}/copyright" "${documents}/copyright")
 file(COPY_FILE "${CMAKE_CURRENT_LIST_DIR}/changelog" "${documents}/changelog")
 file(REMOVE "${documents}/LICENSE")
+file(MAKE_DIRECTORY "${usr}/share/lintian/overrides")
+file(COPY_FILE "${CMAKE_CURRENT_LIST_DIR}/lintian-overrides" "${usr}/share/lintian/overrides/quorvane")
 file(RENAME "${usr}/share/zsh/site-functions" "${usr}/share/zsh/vendor-completions")
 
 file(GLOB pages "${usr}/share/man/*/*")

@@ -92,7 +92,8 @@ ESObject* ESContext::construct(ESObject* fn, std::int32_t argc, const ESValue* a
     if (fn->nativeClass != nullptr && fn->memberIndex >= 0) {
         ESObject* made = fn->nativeClass->construct(*this, fn, argc, argv);
         if (made == nullptr) {
-            raiseError(errorConstructor, toString(fn->value) + QStringLiteral(" failed to generate an object"));
+            raiseError(errorConstructor,
+                       toString(fn->value) + QStringLiteral(" failed to generate an object"));
         }
         return made;
     }

@@ -12,19 +12,19 @@
 class ESFusedCode;
 
 class ESCodeBlock {
-  public:
+public:
     ESCodeBlock();
     ~ESCodeBlock();
     ESCodeBlock(const ESCodeBlock&) = delete;
     ESCodeBlock& operator=(const ESCodeBlock&) = delete;
 
     std::vector<std::uint8_t> code;
-    std::vector<std::int32_t> lines; // an entry for each byte of code: the line of the node that emitted it
-    std::vector<double> numbers;     // number pool
-    std::int32_t argCount = 0;       // formal parameters
-    std::int32_t localCount = 0;     // local variables; a repeated `var` counts again
-    bool enclosesEval = false;       // a function directly nested in this one names `eval`
-    bool needsActivation = false;    // arguments and locals live in an activation object
+    std::vector<std::int32_t> lines;   // an entry for each byte of code: the line of the node that emitted it
+    std::vector<double> numbers;       // number pool
+    std::int32_t argCount = 0;         // formal parameters
+    std::int32_t localCount = 0;       // local variables; a repeated `var` counts again
+    bool enclosesEval = false;         // a function directly nested in this one names `eval`
+    bool needsActivation = false;      // arguments and locals live in an activation object
     std::vector<ESProperty> variables; // the formals, then the locals: atom, attributes, undefined
 
     std::int32_t length() const { return static_cast<std::int32_t>(code.size()); }
@@ -45,8 +45,8 @@ class ESCodeBlock {
     // Most values that the code keeps on the stack at one time, worked out by finish().
     std::int32_t maxDepth = 0;
     // Ends generation: checks the code against the instruction table and computes maxDepth. Throws
-    // ESFatalError "compiler error: ..." when the block cannot run (a target outside, depths that disagree, or
-    // more than ESContext::maxBlockDepth values).
+    // ESFatalError "compiler error: ..." when the block cannot run (a target outside, depths that disagree,
+    // or more than ESContext::maxBlockDepth values).
     void finish();
 
     // The number of values on the stack before each instruction, by offset; `unreached` where no path leads.

@@ -14,8 +14,8 @@ class ESCodeBlock;
 
 // An instruction is a run of cells: what runs it, then its operands.
 union ESCell {
-    const void* handler;   // where the compiler has computed goto
-    std::uint64_t opcode;  // where it hasn't
+    const void* handler;  // where the compiler has computed goto
+    std::uint64_t opcode; // where it hasn't
     struct {
         std::uint32_t low;
         std::uint32_t high;
@@ -37,7 +37,7 @@ constexpr std::uint8_t fusedCells[] = {
 };
 
 class ESFusedCode {
-  public:
+public:
     explicit ESFusedCode(ESCodeBlock& owner) : block(owner) {}
 
     // What the machine has to know where an instruction calls out.

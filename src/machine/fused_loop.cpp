@@ -153,13 +153,13 @@ void enterActivation(ESContext& ctx, ESFusedCode& code, const ESValue* args) {
 
 // Gives the depth of frames back when a run ends, however it ends.
 class FrameGuard {
-  public:
+public:
     explicit FrameGuard(ESContext& ctx) : ctx_(ctx), depth_(ctx.frameDepth) {}
     ~FrameGuard() { ctx_.frameDepth = depth_; }
     FrameGuard(const FrameGuard&) = delete;
     FrameGuard& operator=(const FrameGuard&) = delete;
 
-  private:
+private:
     ESContext& ctx_;
     std::int32_t depth_;
 };
@@ -176,8 +176,10 @@ void rememberOwn(const ESValue& base, ESAtom atom, ESCell& cell) {
 // A new object of a constructor, with room for what the constructor gave the ones before.
 ESObject* newFromPrototypeOf(ESContext& ctx, ESObject* constructor) {
     const ESProperty* slot = guessedOwn(constructor, wellKnownAtoms.prototype, 1);
-    const ESValue prototype = slot != nullptr ? slot->value() : ctx.get(constructor, wellKnownAtoms.prototype);
-    ESObject* made = ctx.newObject(prototype.isObject() ? prototype.object : ctx.objectPrototype, ctx.plainClass);
+    const ESValue prototype =
+        slot != nullptr ? slot->value() : ctx.get(constructor, wellKnownAtoms.prototype);
+    ESObject* made =
+        ctx.newObject(prototype.isObject() ? prototype.object : ctx.objectPrototype, ctx.plainClass);
     const ESCodeBlock* block = constructor->callClosure->block;
     if (block != nullptr && block->fused != nullptr) {
         made->properties.reserve(ctx.arena(), block->fused->propertiesMade);
@@ -399,39 +401,39 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         switch (pc->opcode) {
 #endif
 
-    CASE(Move): {
+    CASE(Move) : {
         copyValue(R(A), R(B));
         NEXT(Move)
     }
-    CASE(LoadConstant): {
+    CASE(LoadConstant) : {
         ESValue& to = R(A);
         to.tag = B;
         to.bits = pc[2].bits;
         NEXT(LoadConstant)
     }
-    CASE(LoadThis): {
+    CASE(LoadThis) : {
         ESValue& to = R(A);
         to.tag = ESTagObject;
         to.object = ctx.thisObject;
         NEXT(LoadThis)
     }
-    CASE(GetGlobal): {
+    CASE(GetGlobal) : {
         copyValue(R(A), ctx.globalObject->properties.at(B));
         NEXT(GetGlobal)
     }
-    CASE(PutGlobal): {
+    CASE(PutGlobal) : {
         copyValue(ctx.globalObject->properties.at(A), R(B));
         NEXT(PutGlobal)
     }
-    CASE(GetSlot): {
+    CASE(GetSlot) : {
         copyValue(R(A), ctx.scope->value.object->properties.at(B));
         NEXT(GetSlot)
     }
-    CASE(PutSlot): {
+    CASE(PutSlot) : {
         copyValue(ctx.scope->value.object->properties.at(A), R(B));
         NEXT(PutSlot)
     }
-    CASE(GetName): {
+    CASE(GetName) : {
         const auto own = static_cast<std::uint32_t>(code->activationTemplate.size());
         if (const ESProperty* slot = guessedName(ctx, pc[2].atom, pc[3], own, B)) [[likely]] {
             copyValue(R(A), *slot);
@@ -442,7 +444,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         }
         NEXT(GetName)
     }
-    CASE(PutName): {
+    CASE(PutName) : {
         const auto own = static_cast<std::uint32_t>(code->activationTemplate.size());
         if (ESProperty* slot = guessedName(ctx, pc[2].atom, pc[3], own, B)) [[likely]] {
             copyValue(*slot, R(A));
@@ -454,7 +456,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         }
         NEXT(PutName)
     }
-    CASE(StepRegister): {
+    CASE(StepRegister) : {
         ESValue& place = R(A);
         if (place.tag != ESTagNumber) [[unlikely]] {
             SYNC();
@@ -465,7 +467,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         place.number += static_cast<std::int32_t>(B);
         NEXT(StepRegister)
     }
-    CASE(StepGlobal): {
+    CASE(StepGlobal) : {
         if (ctx.globalObject->properties.at(A).tag != ESTagNumber) [[unlikely]] {
             SYNC();
             ESValue v = ctx.globalObject->properties.at(A).value();
@@ -475,7 +477,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         ctx.globalObject->properties.at(A).number += static_cast<std::int32_t>(B);
         NEXT(StepGlobal)
     }
-    CASE(StepSlot): {
+    CASE(StepSlot) : {
         ESObject* activation = ctx.scope->value.object;
         if (activation->properties.at(A).tag != ESTagNumber) [[unlikely]] {
             SYNC();
@@ -486,7 +488,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         activation->properties.at(A).number += static_cast<std::int32_t>(B);
         NEXT(StepSlot)
     }
-    CASE(StepName): {
+    CASE(StepName) : {
         SYNC();
         const ESValue name = R(B);
         R(A) = stepName(ctx, static_cast<ESOpcode>(C), ctx.toAtom(name));
@@ -513,12 +515,12 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
     COMPARISON(Equal, a == b, looseEquals(ctx, a, b))
     COMPARISON(NotEqual, a != b, !looseEquals(ctx, a, b))
     COMPARISON(Identical, a == b, strictEquals(a, b))
-    CASE(Not): {
+    CASE(Not) : {
         const bool truth = isTrue(ctx, R(B));
         setBoolean(R(A), !truth);
         NEXT(Not)
     }
-    CASE(BitNot): {
+    CASE(BitNot) : {
         const ESValue& v = R(B);
         if (v.tag == ESTagNumber) [[likely]] {
             setNumber(R(A), ~ESContext::doubleToInt32(v.number));
@@ -529,7 +531,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         }
         NEXT(BitNot)
     }
-    CASE(ToNumber): {
+    CASE(ToNumber) : {
         if (R(B).tag == ESTagNumber) {
             setNumber(R(A), R(B).number);
         } else {
@@ -540,7 +542,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         }
         NEXT(ToNumber)
     }
-    CASE(Negate): {
+    CASE(Negate) : {
         if (R(B).tag == ESTagNumber) [[likely]] {
             setNumber(R(A), -R(B).number);
         } else {
@@ -551,35 +553,32 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         }
         NEXT(Negate)
     }
-    CASE(TypeOf): {
+    CASE(TypeOf) : {
         const ESAtom name = typeName(R(B));
         R(A) = atomValue(name);
         NEXT(TypeOf)
     }
 
-    CASE(Jump): {
+    CASE(Jump) : {
         GOTO(A);
         DISPATCH();
     }
-    CASE(JumpTrue): {
-        JUMP_IF(isTrue(ctx, R(A)), B, JumpTrue)
-    }
-    CASE(JumpFalse): {
-        JUMP_IF(!isTrue(ctx, R(A)), B, JumpFalse)
-    }
-    COMPARE_AND_JUMP(Less, , a < b, lessThan(ctx, a, b))
-    COMPARE_AND_JUMP(Less, Not, !(a < b), !lessThan(ctx, a, b))
-    COMPARE_AND_JUMP(LessOrEqual, , a <= b, lessOrEqual(ctx, a, b))
-    COMPARE_AND_JUMP(LessOrEqual, Not, !(a <= b), !lessOrEqual(ctx, a, b))
-    COMPARE_NR_AND_JUMP(Less, , a < b, lessThan(ctx, a, b))
-    COMPARE_NR_AND_JUMP(Less, Not, !(a < b), !lessThan(ctx, a, b))
-    COMPARE_NR_AND_JUMP(LessOrEqual, , a <= b, lessOrEqual(ctx, a, b))
-    COMPARE_NR_AND_JUMP(LessOrEqual, Not, !(a <= b), !lessOrEqual(ctx, a, b))
-    COMPARE_AND_JUMP(Equal, , a == b, looseEquals(ctx, a, b))
-    COMPARE_AND_JUMP(Equal, Not, a != b, !looseEquals(ctx, a, b))
-    COMPARE_AND_JUMP(Identical, , a == b, strictEquals(a, b))
+    CASE(JumpTrue)
+        : {JUMP_IF(isTrue(ctx, R(A)), B, JumpTrue)} CASE(JumpFalse)
+        : {JUMP_IF(!isTrue(ctx, R(A)), B, JumpFalse)} COMPARE_AND_JUMP(Less, , a < b, lessThan(ctx, a, b))
+              COMPARE_AND_JUMP(Less, Not, !(a < b), !lessThan(ctx, a, b))
+                  COMPARE_AND_JUMP(LessOrEqual, , a <= b, lessOrEqual(ctx, a, b))
+                      COMPARE_AND_JUMP(LessOrEqual, Not, !(a <= b), !lessOrEqual(ctx, a, b))
+                          COMPARE_NR_AND_JUMP(Less, , a < b, lessThan(ctx, a, b)) COMPARE_NR_AND_JUMP(
+                              Less, Not, !(a < b), !lessThan(ctx, a, b))
+                              COMPARE_NR_AND_JUMP(LessOrEqual, , a <= b, lessOrEqual(ctx, a, b))
+                                  COMPARE_NR_AND_JUMP(LessOrEqual, Not, !(a <= b), !lessOrEqual(ctx, a, b))
+                                      COMPARE_AND_JUMP(Equal, , a == b, looseEquals(ctx, a, b))
+                                          COMPARE_AND_JUMP(Equal, Not, a != b, !looseEquals(ctx, a, b))
+                                              COMPARE_AND_JUMP(Identical, , a == b, strictEquals(a, b))
 
-    CASE(GetField): {
+                                                  CASE(GetField)
+        : {
         const ESValue& base = R(B);
         if (base.tag == ESTagObject) [[likely]] {
             if (const ESProperty* slot = guessedField(base.object, pc[2].atom, pc[3])) [[likely]] {
@@ -597,7 +596,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         }
         NEXT(GetField)
     }
-    CASE(GetFieldThis): {
+    CASE(GetFieldThis) : {
         if (const ESProperty* slot = guessedField(ctx.thisObject, pc[2].atom, pc[3])) [[likely]] {
             copyValue(R(A), *slot);
         } else {
@@ -606,7 +605,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         }
         NEXT(GetFieldThis)
     }
-    CASE(PutField): {
+    CASE(PutField) : {
         const ESValue& base = R(A);
         if (base.tag == ESTagObject) [[likely]] {
             ESObject* object = base.object;
@@ -626,7 +625,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         }
         NEXT(PutField)
     }
-    CASE(PutFieldThis): {
+    CASE(PutFieldThis) : {
         ESObject* object = ctx.thisObject;
         ESProperty* slot = guessedOwn(object, pc[2].atom, pc[3].operand.low);
         if (slot != nullptr && (slot->attributes & ReadOnly) == 0) [[likely]] {
@@ -641,7 +640,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         }
         NEXT(PutFieldThis)
     }
-    CASE(InitField): {
+    CASE(InitField) : {
         ESObject* object = R(A).object;
         if (object->properties.count() == pc[3].operand.low && surelyLacks(object, pc[2].atom) &&
             pc[2].atom->arrayIndex == notAnIndex) [[likely]] {
@@ -653,7 +652,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         }
         NEXT(InitField)
     }
-    CASE(GetIndexed): {
+    CASE(GetIndexed) : {
         const ESValue& base = R(B);
         const ESValue& key = R(C);
         if (base.tag == ESTagObject) [[likely]] {
@@ -668,7 +667,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         R(A) = getIndexed(ctx, baseCopy, keyCopy);
         NEXT(GetIndexed)
     }
-    CASE(PutIndexed): {
+    CASE(PutIndexed) : {
         const ESValue& base = R(A);
         const ESValue& key = R(B);
         if (base.tag == ESTagObject) [[likely]] {
@@ -687,7 +686,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         putIndexed(ctx, baseCopy, keyCopy, v);
         NEXT(PutIndexed)
     }
-    CASE(CompoundField): {
+    CASE(CompoundField) : {
         const ESValue& base = R(B);
         const ESValue& right = R(pc[4].operand.low);
         const auto opcode = static_cast<ESOpcode>(pc[3].operand.high);
@@ -695,7 +694,8 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
             ESProperty* slot = guessedOwn(base.object, pc[2].atom, pc[3].operand.low);
             double result;
             if (slot != nullptr && slot->tag == ESTagNumber && slot->attributes == 0 &&
-                numberOperator(static_cast<ESOpcode>(opcode - 1), slot->number, right.number, result)) [[likely]] {
+                numberOperator(static_cast<ESOpcode>(opcode - 1), slot->number, right.number, result))
+                [[likely]] {
                 slot->number = result;
                 setNumber(R(A), result);
                 NEXT(CompoundField)
@@ -709,7 +709,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         R(A) = result;
         NEXT(CompoundField)
     }
-    CASE(CompoundIndexed): {
+    CASE(CompoundIndexed) : {
         const ESValue& base = R(B);
         const ESValue& key = R(C);
         const ESValue& right = R(D);
@@ -718,7 +718,8 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
             ESValue* element = denseElement(base.object, key);
             double result;
             if (element != nullptr && element->tag == ESTagNumber &&
-                numberOperator(static_cast<ESOpcode>(opcode - 1), element->number, right.number, result)) [[likely]] {
+                numberOperator(static_cast<ESOpcode>(opcode - 1), element->number, right.number, result))
+                [[likely]] {
                 element->number = result;
                 setNumber(R(A), result);
                 NEXT(CompoundIndexed)
@@ -731,7 +732,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         R(A) = compoundIndexed(ctx, opcode, baseCopy, keyCopy, rightCopy);
         NEXT(CompoundIndexed)
     }
-    CASE(StepField): {
+    CASE(StepField) : {
         const ESValue& base = R(B);
         const auto opcode = static_cast<ESOpcode>(pc[3].operand.high);
         if (base.tag == ESTagObject) [[likely]] {
@@ -750,7 +751,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         R(A) = result;
         NEXT(StepField)
     }
-    CASE(StepIndexed): {
+    CASE(StepIndexed) : {
         const ESValue& base = R(B);
         const ESValue& key = R(C);
         const auto opcode = static_cast<ESOpcode>(D);
@@ -767,20 +768,20 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         }
         NEXT(StepIndexed)
     }
-    CASE(DeleteIndexed): {
+    CASE(DeleteIndexed) : {
         SYNC();
         const ESValue base = R(B);
         const ESValue key = R(C);
         setBoolean(R(A), deleteIndexed(ctx, base, key));
         NEXT(DeleteIndexed)
     }
-    CASE(DeleteName): {
+    CASE(DeleteName) : {
         SYNC();
         setBoolean(R(A), deleteName(ctx, pc[2].atom));
         NEXT(DeleteName)
     }
 
-    CASE(CallGlobal): {
+    CASE(CallGlobal) : {
         SYNC();
         const ESProperty& slot = ctx.globalObject->properties.at(D);
         if (slot.tag != ESTagObject || slot.object->callClosure == nullptr) [[unlikely]] {
@@ -795,7 +796,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         resume = pc + fusedCells[static_cast<int>(ESFusedOp::CallGlobal)];
         goto enterCall;
     }
-    CASE(CallRegister): {
+    CASE(CallRegister) : {
         SYNC();
         const ESValue& fn = R(D);
         if (fn.tag != ESTagObject || fn.object->callClosure == nullptr) [[unlikely]] {
@@ -810,7 +811,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         resume = pc + fusedCells[static_cast<int>(ESFusedOp::CallRegister)];
         goto enterCall;
     }
-    CASE(CallField): {
+    CASE(CallField) : {
         SYNC();
         args = &R(B);
         argc = static_cast<std::int32_t>(C);
@@ -864,7 +865,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         resume = pc + fusedCells[static_cast<int>(ESFusedOp::CallField)];
         goto enterCall;
     }
-    CASE(CallIndexed): {
+    CASE(CallIndexed) : {
         SYNC();
         // The key's text first, then the object.
         const ESValue key = R(pc[3].operand.low);
@@ -884,7 +885,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         resume = pc + fusedCells[static_cast<int>(ESFusedOp::CallIndexed)];
         goto enterCall;
     }
-    CASE(CallName): {
+    CASE(CallName) : {
         SYNC();
         ESObject* foundIn = nullptr;
         const auto own = static_cast<std::uint32_t>(code->activationTemplate.size());
@@ -910,7 +911,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         resume = pc + fusedCells[static_cast<int>(ESFusedOp::CallName)];
         goto enterCall;
     }
-    CASE(New): {
+    CASE(New) : {
         SYNC();
         const ESValue& fn = R(D);
         if (!fn.isObject() || fn.object->constructClosure == nullptr) [[unlikely]] {
@@ -934,7 +935,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         goto enterCall;
     }
 
-    CASE(NewObject): {
+    CASE(NewObject) : {
         ESObject* object = ctx.newPlainObject();
         object->properties.reserve(ctx.arena(), B);
         ESValue& to = R(A);
@@ -942,22 +943,22 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         to.object = object;
         NEXT(NewObject)
     }
-    CASE(MakeArray): {
+    CASE(MakeArray) : {
         SYNC();
         R(A) = arrayLiteral(ctx, static_cast<std::int32_t>(C), &R(B));
         NEXT(MakeArray)
     }
-    CASE(Closure): {
+    CASE(Closure) : {
         R(A) = objectValue(newFunction(ctx, codeBlockAt(static_cast<std::int32_t>(B))));
         NEXT(Closure)
     }
-    CASE(Enumerate): {
+    CASE(Enumerate) : {
         SYNC();
         const ESValue v = R(B);
         R(A) = newEnumerator(ctx, v);
         NEXT(Enumerate)
     }
-    CASE(NextName): {
+    CASE(NextName) : {
         SYNC();
         const ESValue enumerator = R(B);
         ESValue name;
@@ -967,111 +968,111 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         }
         JUMP_IF(found, C, NextName)
     }
-    CASE(With): {
+    CASE(With) : {
         SYNC();
         ctx.scope = ctx.newScopeNode(ctx.scope, ctx.objectOf(ESValue(R(A))));
         NEXT(With)
     }
-    CASE(EndWith): {
+    CASE(EndWith) : {
         ctx.scope = ctx.scope->prototype;
         NEXT(EndWith)
     }
 
     {
         ESValue result;
-        CASE(ReturnUndefined):
-            result = undefinedValue();
-            goto leave;
-        CASE(Return):
-            copyValue(result, R(A));
-        leave:
-            if (ctx.frameDepth == entryDepth) {
-                const std::size_t place = static_cast<std::size_t>(pc - code->cells.data());
-                ctx.linePlace = code->block.lines.data() + code->sites[place].offset;
-                ctx.acc = result;
-                ctx.sp = entrySp + 1;
-                return nullptr;
+        CASE(ReturnUndefined) : result = undefinedValue();
+        goto leave;
+        CASE(Return) : copyValue(result, R(A));
+    leave:
+        if (ctx.frameDepth == entryDepth) {
+            const std::size_t place = static_cast<std::size_t>(pc - code->cells.data());
+            ctx.linePlace = code->block.lines.data() + code->sites[place].offset;
+            ctx.acc = result;
+            ctx.sp = entrySp + 1;
+            return nullptr;
+        }
+        const ESFusedFrame& saved = ctx.frames[--ctx.frameDepth];
+        if (code->needsActivation && !isCaptured(saved.node)) {
+            code->freeNodes.push_back(saved.node);
+        }
+        if (saved.made != nullptr) {
+            constexpr std::uint32_t mostReserved = 32;
+            code->propertiesMade =
+                std::clamp(saved.made->properties.count(), code->propertiesMade, mostReserved);
+            if (result.tag != ESTagObject) {
+                result.tag = ESTagObject;
+                result.object = saved.made;
             }
-            const ESFusedFrame& saved = ctx.frames[--ctx.frameDepth];
-            if (code->needsActivation && !isCaptured(saved.node)) {
-                code->freeNodes.push_back(saved.node);
-            }
-            if (saved.made != nullptr) {
-                constexpr std::uint32_t mostReserved = 32;
-                code->propertiesMade = std::clamp(saved.made->properties.count(), code->propertiesMade, mostReserved);
-                if (result.tag != ESTagObject) {
-                    result.tag = ESTagObject;
-                    result.object = saved.made;
-                }
-            }
-            code = saved.code;
-            fp = saved.frame;
-            pc = const_cast<ESCell*>(saved.pc);
-            ctx.scope = saved.scope;
-            ctx.thisObject = saved.thisObject;
-            ctx.spSurplus = saved.surplus;
-            copyValue(R(saved.destination), result);
-            DISPATCH();
+        }
+        code = saved.code;
+        fp = saved.frame;
+        pc = const_cast<ESCell*>(saved.pc);
+        ctx.scope = saved.scope;
+        ctx.thisObject = saved.thisObject;
+        ctx.spSurplus = saved.surplus;
+        copyValue(R(saved.destination), result);
+        DISPATCH();
     }
 
 #if !ES_COMPUTED_GOTO
-        }
-        continue;
+}
+continue;
 #endif
 
-    // Enters `callee`. SYNC() has been done; the result goes to register A of the calling instruction.
-    enterCall: {
-        if (ctx.sp + ctx.spSurplus + surplus > ESContext::stackSize) [[unlikely]] {
-            ctx.stackTooSmall();
-        }
-        const ESClosure* closure = callee->callClosure;
-        const std::int32_t wanted = closure->argCount;
-        std::int32_t count = argc;
-        for (; count < wanted; ++count) {
-            args[count] = undefinedValue();
-        }
-        if (callee->memberIndex >= 0) {
-            ctx.sp += count - argc;
-            callee->nativeClass->call(ctx, callee, receiver, count, args);
-            copyValue(R(A), args[0]);
-            pc = resume;
-            AGAIN();
-        }
-        if (closure->block == nullptr) { // Function.prototype
-            R(A) = made != nullptr ? objectValue(made) : undefinedValue();
-            pc = resume;
-            AGAIN();
-        }
-        ESFusedFrame& saved = ctx.frames[ctx.frameDepth++];
-        saved.pc = resume;
-        saved.code = code;
-        saved.frame = fp;
-        saved.scope = ctx.scope;
-        saved.thisObject = ctx.thisObject;
-        saved.made = made;
-        saved.surplus = ctx.spSurplus;
-        saved.destination = A;
-        // Arguments beyond the formals can't be reached; they only count.
-        ctx.spSurplus += surplus + (count - wanted);
-        code = closure->block->fused != nullptr ? closure->block->fused.get() : &fusedCodeOf(*closure->block, handlers);
-        fp = args;
-        ctx.scope = closure->scope;
-        ctx.thisObject = receiver;
-        if (code->needsActivation) {
-            enterActivation(ctx, *code, args);
-        } else {
-            ESValue* local = fp + wanted;
-            for (std::int32_t i = 0; i < code->localCount; ++i) {
-                local[i].tag = ESTagUndefined;
-                local[i].bits = 0;
-            }
-        }
-        saved.node = ctx.scope;
-        pc = code->cells.data();
+// Enters `callee`. SYNC() has been done; the result goes to register A of the calling instruction.
+enterCall : {
+    if (ctx.sp + ctx.spSurplus + surplus > ESContext::stackSize) [[unlikely]] {
+        ctx.stackTooSmall();
+    }
+    const ESClosure* closure = callee->callClosure;
+    const std::int32_t wanted = closure->argCount;
+    std::int32_t count = argc;
+    for (; count < wanted; ++count) {
+        args[count] = undefinedValue();
+    }
+    if (callee->memberIndex >= 0) {
+        ctx.sp += count - argc;
+        callee->nativeClass->call(ctx, callee, receiver, count, args);
+        copyValue(R(A), args[0]);
+        pc = resume;
         AGAIN();
     }
-#if !ES_COMPUTED_GOTO
+    if (closure->block == nullptr) { // Function.prototype
+        R(A) = made != nullptr ? objectValue(made) : undefinedValue();
+        pc = resume;
+        AGAIN();
     }
+    ESFusedFrame& saved = ctx.frames[ctx.frameDepth++];
+    saved.pc = resume;
+    saved.code = code;
+    saved.frame = fp;
+    saved.scope = ctx.scope;
+    saved.thisObject = ctx.thisObject;
+    saved.made = made;
+    saved.surplus = ctx.spSurplus;
+    saved.destination = A;
+    // Arguments beyond the formals can't be reached; they only count.
+    ctx.spSurplus += surplus + (count - wanted);
+    code = closure->block->fused != nullptr ? closure->block->fused.get()
+                                            : &fusedCodeOf(*closure->block, handlers);
+    fp = args;
+    ctx.scope = closure->scope;
+    ctx.thisObject = receiver;
+    if (code->needsActivation) {
+        enterActivation(ctx, *code, args);
+    } else {
+        ESValue* local = fp + wanted;
+        for (std::int32_t i = 0; i < code->localCount; ++i) {
+            local[i].tag = ESTagUndefined;
+            local[i].bits = 0;
+        }
+    }
+    saved.node = ctx.scope;
+    pc = code->cells.data();
+    AGAIN();
+}
+#if !ES_COMPUTED_GOTO
+}
 #endif
 }
 

@@ -26,12 +26,12 @@ struct Branch {
 };
 
 class Translator {
-  public:
+public:
     Translator(ESCodeBlock& block, ESFusedCode& code, const void* const* handlers)
         : block_(block), code_(code), handlers_(handlers) {}
     void run();
 
-  private:
+private:
     // --- The block's bytes ---
     ESOpcode opAt(std::int32_t offset) const {
         return static_cast<ESOpcode>(block_.code[static_cast<std::size_t>(offset)]);
@@ -208,7 +208,8 @@ std::uint32_t Translator::registerOf(const Entry& entry, std::size_t depth) {
     return entry.reg;
 }
 
-// Where the result of the present instruction goes: into the variable that the next one stores it in, or home.
+// Where the result of the present instruction goes: into the variable that the next one stores it in, or
+// home.
 std::uint32_t Translator::destination() {
     const ESOpcode following = next_ < block_.length() && !isLabel(next_) ? opAt(next_) : OP_DROP;
     if (following == OP_PUTA || following == OP_PUTL) {
@@ -504,7 +505,8 @@ void Translator::binary(ESOpcode op) {
     if (compound) {
         const std::size_t depth = stack_.size();
         const Entry key = pop();
-        if (key.kind == Entry::Constant && key.constant.tag == ESTagAtom && key.constant.atom->arrayIndex == notAnIndex) {
+        if (key.kind == Entry::Constant && key.constant.tag == ESTagAtom &&
+            key.constant.atom->arrayIndex == notAnIndex) {
             const std::uint32_t object = popRegister();
             const std::uint32_t value = popRegister();
             const std::uint32_t to = destination();
@@ -547,10 +549,10 @@ void Translator::binary(ESOpcode op) {
         if (commutes || op == OP_ADD || op == OP_SUB || op == OP_DIV) {
             const std::uint32_t rightRegister = registerOf(right, depth);
             const std::uint32_t to = destination();
-            const ESFusedOp fused = commutes        ? offsetOp(ESFusedOp::AddRN, family)
-                                    : op == OP_ADD  ? ESFusedOp::AddNR
-                                    : op == OP_SUB  ? ESFusedOp::SubNR
-                                                    : ESFusedOp::DivNR;
+            const ESFusedOp fused = commutes       ? offsetOp(ESFusedOp::AddRN, family)
+                                    : op == OP_ADD ? ESFusedOp::AddNR
+                                    : op == OP_SUB ? ESFusedOp::SubNR
+                                                   : ESFusedOp::DivNR;
             emit(fused, sp);
             operands(to, rightRegister);
             if (isInt32Operator(op)) {
@@ -598,8 +600,8 @@ void Translator::comparison(ESOpcode op) {
     const std::uint32_t right = popRegister();
     const std::uint32_t left = popRegister();
     const std::uint32_t to = destination();
-    constexpr ESFusedOp plain[] = {ESFusedOp::Less, ESFusedOp::LessOrEqual, ESFusedOp::Equal, ESFusedOp::NotEqual,
-                                   ESFusedOp::Identical};
+    constexpr ESFusedOp plain[] = {ESFusedOp::Less, ESFusedOp::LessOrEqual, ESFusedOp::Equal,
+                                   ESFusedOp::NotEqual, ESFusedOp::Identical};
     emit(plain[op - OP_LT], spAt(depth - 1));
     operands(to, left);
     operands(right, 0);
@@ -899,7 +901,8 @@ void Translator::calls(ESOpcode op) {
 std::uint32_t Translator::countInitialisers() const {
     const std::int32_t depth = depthAt_[static_cast<std::size_t>(offset_)] + 1;
     std::uint32_t count = 0;
-    for (std::int32_t offset = next_; offset < block_.length(); offset += instructionTable[opAt(offset)].width()) {
+    for (std::int32_t offset = next_; offset < block_.length();
+         offset += instructionTable[opAt(offset)].width()) {
         const std::int32_t here = depthAt_[static_cast<std::size_t>(offset)];
         if (here < depth) {
             break;

@@ -36,7 +36,7 @@ struct ESInstruction {
 };
 
 constexpr ESInstruction instructionTable[] = {
-#define ES_INSTRUCTION(number, mnemonic, first, second, pops, pushes, jumpPushes)                               \
+#define ES_INSTRUCTION(number, mnemonic, first, second, pops, pushes, jumpPushes)                            \
     {#mnemonic, ESOperand::first, ESOperand::second, pops, pushes, jumpPushes},
 #include "machine/instructions.def"
 };

@@ -13,18 +13,19 @@
 
 #include <cstdlib>
 
-#define PUSH(v)                                                                                                  \
-    do {                                                                                                         \
-        const ESValue pushed = (v);                                                                              \
-        ctx.stack[ctx.sp++] = ctx.acc;                                                                           \
-        ctx.acc = pushed;                                                                                        \
+#define PUSH(v)                                                                                              \
+    do {                                                                                                     \
+        const ESValue pushed = (v);                                                                          \
+        ctx.stack[ctx.sp++] = ctx.acc;                                                                       \
+        ctx.acc = pushed;                                                                                    \
     } while (false)
 #define POP() (ctx.acc = ctx.stack[--ctx.sp])
 
 namespace {
 
 // Steps a variable that lies in the value stack or in a property.
-template <typename Place> void stepVariable(ESContext& ctx, Place& place, double step) {
+template <typename Place>
+void stepVariable(ESContext& ctx, Place& place, double step) {
     ESValue v = place.value();
     ctx.toNumber(v);
     v.number += step;
@@ -54,14 +55,17 @@ void callMethod(ESContext& ctx, std::uint32_t index, ESAtom atom, std::int32_t a
 
 } // namespace
 
-template <bool AsksKeepRunning> void executeBytes(ESContext& ctx, ESCodeBlock& block) {
+template <bool AsksKeepRunning>
+void executeBytes(ESContext& ctx, ESCodeBlock& block) {
     std::int32_t pc = 0;
     const auto first = [&] { return block.operandAt(pc + 1); };
     const auto second = [&] { return static_cast<std::int32_t>(block.operandAt(pc + 3)); };
     const auto global = [&]() -> ESProperty& { return ctx.globalObject->properties.at(first()); };
     const auto argument = [&]() -> ESValue& { return ctx.frame[first()]; };
     const auto local = [&]() -> ESValue& { return ctx.frame[ctx.frameArgs + first()]; };
-    const auto argumentInMemory = [&]() -> ESProperty& { return ctx.scope->value.object->properties.at(first()); };
+    const auto argumentInMemory = [&]() -> ESProperty& {
+        return ctx.scope->value.object->properties.at(first());
+    };
     const auto localInMemory = [&]() -> ESProperty& {
         return ctx.scope->value.object->properties.at(static_cast<std::uint32_t>(ctx.frameArgs) + first());
     };

@@ -6,4 +6,5 @@ class ESCodeBlock;
 class ESContext;
 
 // Runs a block from offset 0 to RET or RETU; on return ctx.acc holds the result, counted as one pushed value.
-template <bool AsksKeepRunning> void executeBytes(ESContext& ctx, ESCodeBlock& block);
+template <bool AsksKeepRunning>
+void executeBytes(ESContext& ctx, ESCodeBlock& block);

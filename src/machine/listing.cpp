@@ -26,7 +26,8 @@ std::string variableName(const ESCodeBlock& block, std::int32_t position) {
     return index < block.variables.size() ? latin1(block.variables[index].atom) : std::string("(null)");
 }
 
-std::string operandText(const ESObject* globalObject, const ESCodeBlock& block, ESOperand kind, std::uint16_t value) {
+std::string operandText(const ESObject* globalObject, const ESCodeBlock& block, ESOperand kind,
+                        std::uint16_t value) {
     switch (kind) {
     case ESOperand::Num:
         return formatted("%g", block.numbers[value]);

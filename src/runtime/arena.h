@@ -10,7 +10,7 @@
 // Hands out memory aligned to 8 bytes, all of it released when the arena is destroyed. Every allocation may
 // throw std::bad_alloc, and then nothing has changed.
 class ESArena {
-  public:
+public:
     ESArena() = default;
     ESArena(const ESArena&) = delete;
     ESArena& operator=(const ESArena&) = delete;
@@ -27,7 +27,8 @@ class ESArena {
         return result;
     }
 
-    template <typename T> T* allocateArray(std::size_t count) {
+    template <typename T>
+    T* allocateArray(std::size_t count) {
         return static_cast<T*>(allocate(count * sizeof(T)));
     }
 
@@ -35,7 +36,7 @@ class ESArena {
     void* allocateBlock(std::size_t bytes);
     void releaseBlock(void* block, std::size_t bytes);
 
-  private:
+private:
     void* allocateSlow(std::size_t bytes);
 
     struct FreeBlock {

@@ -51,7 +51,7 @@ std::uint32_t parseArrayIndex(QStringView text) {
 
 // The process's table: open addressing over pointers to entries that never move.
 class ESAtomTable {
-  public:
+public:
     ESAtomTable();
 
     // order 0: the next. A text that lasts as long as the table lends its characters.
@@ -72,7 +72,7 @@ class ESAtomTable {
 
     std::uint32_t orderInRuns(std::uint32_t index) const;
 
-  private:
+private:
     std::size_t slotOf(QStringView text, std::uint32_t hash) const;
     void grow();
 
@@ -115,7 +115,8 @@ std::size_t ESAtomTable::slotOf(QStringView text, std::uint32_t hash) const {
     std::size_t slot = hash & mask;
     while (const ESAtom atom = slots_[slot]) {
         if (atom->hash == hash && atom->text.length() == static_cast<std::size_t>(text.size()) &&
-            std::memcmp(atom->text.characters(), text.utf16(), static_cast<std::size_t>(text.size()) * 2) == 0) {
+            std::memcmp(atom->text.characters(), text.utf16(), static_cast<std::size_t>(text.size()) * 2) ==
+                0) {
             break;
         }
         slot = (slot + 1) & mask;
@@ -138,7 +139,8 @@ ESAtom ESAtomTable::intern(QStringView text, std::uint32_t order, bool lasting) 
     auto* entry = static_cast<ESAtomEntry*>(arena.allocate(sizeof(ESAtomEntry)));
     const char16_t* kept = text.utf16();
     if (!lasting) {
-        auto* copy = arena.allocateArray<char16_t>(std::max<std::size_t>(static_cast<std::size_t>(text.size()), 1));
+        auto* copy =
+            arena.allocateArray<char16_t>(std::max<std::size_t>(static_cast<std::size_t>(text.size()), 1));
         std::memcpy(copy, kept, static_cast<std::size_t>(text.size()) * sizeof(char16_t));
         kept = copy;
     }
@@ -243,7 +245,8 @@ void noteNewIndexName(std::uint32_t index) {
         return;
     }
     const std::uint32_t order = ++lastTextOrder;
-    if (table.runs.empty() || table.runs.back().firstOrder + (index - table.runs.back().firstIndex) != order) {
+    if (table.runs.empty() ||
+        table.runs.back().firstOrder + (index - table.runs.back().firstIndex) != order) {
         table.runs.push_back({index, order});
     }
     indexNameWatermark = index + 1;

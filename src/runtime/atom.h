@@ -14,7 +14,8 @@ struct ESAtomEntry {
     mutable std::int32_t index; // position among the compiled atoms, -1 while there is none
     std::uint32_t order;        // ascending with the time of first interning
     std::uint32_t hash;
-    std::uint32_t arrayIndex; // the number whose canonical decimal text this is (0 to 0x7FFFFFFE), or notAnIndex
+    std::uint32_t
+        arrayIndex; // the number whose canonical decimal text this is (0 to 0x7FFFFFFE), or notAnIndex
     ESText text;
 
     QStringView view() const { return text.view(); }
@@ -58,5 +59,6 @@ struct WellKnownAtoms {
 };
 extern WellKnownAtoms wellKnownAtoms;
 void internWellKnownAtoms();
-// The second line of them, whose place in the order of first interning comes later: after the set-up of Error.
+// The second line of them, whose place in the order of first interning comes later: after the set-up of
+// Error.
 void internSecondaryAtoms();

@@ -25,7 +25,8 @@ constexpr std::size_t frameBytes = (ESContext::stackSize + 64) * 128;
 } // namespace
 
 ESContext::ESContext(bool asks) : asksKeepRunning(asks) {
-    void* memory = mmap(nullptr, stackBytes + frameBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    void* memory = mmap(nullptr, stackBytes + frameBytes, PROT_READ | PROT_WRITE,
+                        MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     if (memory == MAP_FAILED) {
         throw std::bad_alloc();
     }
@@ -78,10 +79,18 @@ void ESContext::raiseError(ESObject* constructor, const QString& text) {
     throw ESException{objectValue(construct(constructor, 1, &argument))};
 }
 
-void ESContext::raiseBaseError(const char* latin1) { raiseError(errorConstructor, QString::fromLatin1(latin1)); }
+void ESContext::raiseBaseError(const char* latin1) {
+    raiseError(errorConstructor, QString::fromLatin1(latin1));
+}
 
-void ESContext::raiseTypeError(const char* latin1) { raiseError(typeErrorConstructor, QString::fromLatin1(latin1)); }
+void ESContext::raiseTypeError(const char* latin1) {
+    raiseError(typeErrorConstructor, QString::fromLatin1(latin1));
+}
 
-void ESContext::raiseRangeError(const char* latin1) { raiseError(rangeErrorConstructor, QString::fromLatin1(latin1)); }
+void ESContext::raiseRangeError(const char* latin1) {
+    raiseError(rangeErrorConstructor, QString::fromLatin1(latin1));
+}
 
-void ESContext::stackTooSmall() { throw ESFatalError{QString::fromLatin1("virtual machine stack too small")}; }
+void ESContext::stackTooSmall() {
+    throw ESFatalError{QString::fromLatin1("virtual machine stack too small")};
+}

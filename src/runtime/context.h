@@ -51,7 +51,7 @@ struct ESCompletion {
 enum class ESExecutionForm { Bytes, Fused };
 
 class ESContext {
-  public:
+public:
     // A subclass that answers keepRunning() passes true, and is then asked before every instruction.
     explicit ESContext(bool asksKeepRunning = false);
     virtual ~ESContext();
@@ -69,20 +69,18 @@ class ESContext {
     ESCompletion evaluate(const QString& text);
 
     // --- Failures ---------------------------------------------------------------------------------------
-    // Throws ESException with a new error object whose message is "line N: " and the text; N is currentLine().
-    // constructor comes from the class: typeErrorClass->errorConstructor().
+    // Throws ESException with a new error object whose message is "line N: " and the text; N is
+    // currentLine(). constructor comes from the class: typeErrorClass->errorConstructor().
     [[noreturn]] void raiseError(ESObject* constructor, const QString& text);
-    [[noreturn]] void raiseBaseError(const char* latin1);   // Error
-    [[noreturn]] void raiseTypeError(const char* latin1);   // TypeError
-    [[noreturn]] void raiseRangeError(const char* latin1);  // RangeError
+    [[noreturn]] void raiseBaseError(const char* latin1);  // Error
+    [[noreturn]] void raiseTypeError(const char* latin1);  // TypeError
+    [[noreturn]] void raiseRangeError(const char* latin1); // RangeError
     [[noreturn]] void stackTooSmall();
 
     // --- Conversions (conversions.cpp) --------------------------------------------------------------------
     bool toBoolean(const ESValue& v);
     void toNumber(ESValue& v); // in place
-    double toDouble(const ESValue& v) {
-        return v.tag == ESTagNumber ? v.number : toDoubleSlow(v);
-    }
+    double toDouble(const ESValue& v) { return v.tag == ESTagNumber ? v.number : toDoubleSlow(v); }
     double toInteger(const ESValue& v); // NaN gives 0, infinities stay
     std::int32_t toInt32(const ESValue& v) { return doubleToInt32(toDouble(v)); }
     std::uint32_t toUint32(const ESValue& v) { return static_cast<std::uint32_t>(toInt32(v)); }
@@ -93,7 +91,7 @@ class ESContext {
     ESAtom toAtom(const ESValue& v);
     void toPrimitive(ESValue& v, ESValueTag hint); // v holds an object; becomes a primitive in place
     void defaultValue(ESObject* object, ESValueTag hint, ESValue& out);
-    void toObject(ESValue& v); // in place
+    void toObject(ESValue& v);            // in place
     ESObject* objectOf(const ESValue& v); // the object itself, or a new wrapper
     void wrapPrimitive(ESValue& v);
     ESObject* objectFromValue(std::int32_t argc, const ESValue* argv);
@@ -145,7 +143,8 @@ class ESContext {
     // script (valueOf of an element).
     std::vector<std::uint8_t> arrayToBytes(const ESValue& v);
 
-    // --- Objects (objects.cpp) ------------------------------------------------------------------------------
+    // --- Objects (objects.cpp)
+    // ------------------------------------------------------------------------------
     ESObject* newObject(ESObject* prototype, ESClass* cls);
     ESObject* newPlainObject();
     ESObject* newScopeNode(ESObject* next, ESObject* searched);
@@ -275,13 +274,14 @@ class ESContext {
 
     ESArena& arena() { return arena_; }
     // Takes a class instance over for the life of the context.
-    template <typename T> T* own(std::unique_ptr<T> cls) {
+    template <typename T>
+    T* own(std::unique_ptr<T> cls) {
         T* result = cls.get();
         classes_.push_back(std::move(cls));
         return result;
     }
 
-  private:
+private:
     double toDoubleSlow(const ESValue& v);
     static std::int32_t doubleToInt32Slow(double d);
     void addObjectSlab();

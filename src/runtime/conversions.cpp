@@ -62,7 +62,8 @@ std::string_view integralText(double x, std::int32_t radix, DigitBuffer& buffer)
             *--begin = '-';
         }
     } else {
-        // The mantissa as limbs of 32 bits, low ones first, shifted by the exponent and divided digit by digit.
+        // The mantissa as limbs of 32 bits, low ones first, shifted by the exponent and divided digit by
+        // digit.
         int exponent;
         const auto mantissa = static_cast<std::uint64_t>(std::ldexp(std::frexp(std::fabs(x), &exponent), 53));
         const auto shift = static_cast<unsigned>(exponent - 53);

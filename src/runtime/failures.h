@@ -21,12 +21,12 @@ struct ESFatalError {
 
 // A failure of the host side: main() prints "error: " and the text, and ends the run with status 1.
 class HException {
-  public:
+public:
     explicit HException(std::string text) : text_(std::move(text)) {}
     virtual ~HException() = default;
 
     const std::string& text() const { return text_; }
 
-  private:
+private:
     std::string text_;
 };

@@ -111,9 +111,13 @@ void ESClass::putElement(ESContext& ctx, ESObject* obj, std::uint32_t index, con
     }
 }
 
-bool ESClass::deleteProperty(ESContext& ctx, ESObject* obj, ESAtom atom) { return ctx.deleteProperty(obj, atom); }
+bool ESClass::deleteProperty(ESContext& ctx, ESObject* obj, ESAtom atom) {
+    return ctx.deleteProperty(obj, atom);
+}
 
-void ESClass::call(ESContext&, ESObject*, ESObject*, std::int32_t, ESValue* argv) { argv[0] = undefinedValue(); }
+void ESClass::call(ESContext&, ESObject*, ESObject*, std::int32_t, ESValue* argv) {
+    argv[0] = undefinedValue();
+}
 
 ESObject* ESClass::construct(ESContext&, ESObject*, std::int32_t, const ESValue*) { return nullptr; }
 
@@ -127,7 +131,8 @@ void ESClass::badCall(ESContext& ctx) { ctx.raiseBaseError("bad signature in bui
 
 void ESClass::badConstruct(ESContext& ctx) { ctx.raiseBaseError("bad signature in builtin construct"); }
 
-ESObject* defineMember(ESContext& ctx, ESObject* target, const ESMember& member, ESClass* cls, ESAtom fullName) {
+ESObject* defineMember(ESContext& ctx, ESObject* target, const ESMember& member, ESClass* cls,
+                       ESAtom fullName) {
     ESClosure* closure = ctx.newClosure();
     closure->argCount = member.length;
     ESObject* fn = ctx.newObject(ctx.functionPrototype, cls);
@@ -162,8 +167,8 @@ void defineMembers(ESContext& ctx, ESObject* target, std::span<const ESMember> m
     }
 }
 
-ESObject* defineConstructor(ESContext& ctx, const ESMember& member, ESAtom fullName, ESObject* prototypeObject,
-                            ESClass* cls) {
+ESObject* defineConstructor(ESContext& ctx, const ESMember& member, ESAtom fullName,
+                            ESObject* prototypeObject, ESClass* cls) {
     ESObject* fn = defineMember(ctx, ctx.globalObject, member, cls, fullName);
     fn->constructClosure = fn->callClosure;
     ctx.put(fn, wellKnownAtoms.prototype, objectValue(prototypeObject));

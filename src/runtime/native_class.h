@@ -28,7 +28,7 @@ enum class ESMemberNaming {
 };
 
 class ESClass {
-  public:
+public:
     explicit ESClass(const char* className) : name(className) {}
     ESClass(const ESClass&) = delete;
     ESClass& operator=(const ESClass&) = delete;
@@ -46,7 +46,9 @@ class ESClass {
     virtual void call(ESContext& ctx, ESObject* fn, ESObject* thisObject, std::int32_t argc, ESValue* argv);
     // Calls a member on a string value without making an object of it. False, with nothing done, where a
     // script could tell the difference; argv need not be padded.
-    virtual bool callOnText(ESContext&, std::int32_t, const ESValue&, std::int32_t, ESValue*) { return false; }
+    virtual bool callOnText(ESContext&, std::int32_t, const ESValue&, std::int32_t, ESValue*) {
+        return false;
+    }
     // Gives the new object, or null when there is none.
     virtual ESObject* construct(ESContext& ctx, ESObject* fn, std::int32_t argc, const ESValue* argv);
     // Registers a host class: makes a plain object, puts it on the global object under `name` with DontEnum
@@ -61,7 +63,7 @@ class ESClass {
     bool ordinaryGet = true;
     bool ordinaryPut = true;
 
-  protected:
+protected:
     // Raise "bad signature in builtin call" ("... construct"), for an index without a member.
     [[noreturn]] static void badCall(ESContext& ctx);
     [[noreturn]] static void badConstruct(ESContext& ctx);
@@ -69,7 +71,7 @@ class ESClass {
 
 // Objects of this class hold the arguments and locals of functions whose variables outlive the value stack.
 class ESActivation : public ESClass {
-  public:
+public:
     ESActivation() : ESClass("activation") {}
 };
 
@@ -81,5 +83,5 @@ void defineMembers(ESContext& ctx, ESObject* target, std::span<const ESMember> m
 ESObject* defineMember(ESContext& ctx, ESObject* target, const ESMember& member, ESClass* cls,
                        ESAtom fullName);
 // Puts a constructor (index 0) named `member.name` on the global object and ties it to its prototype object.
-ESObject* defineConstructor(ESContext& ctx, const ESMember& member, ESAtom fullName, ESObject* prototypeObject,
-                            ESClass* cls);
+ESObject* defineConstructor(ESContext& ctx, const ESMember& member, ESAtom fullName,
+                            ESObject* prototypeObject, ESClass* cls);

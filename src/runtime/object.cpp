@@ -26,7 +26,8 @@ std::uint32_t nextCapacity(std::uint32_t capacity) {
 
 } // namespace
 
-ESProperty& ESPropertyTable::append(ESArena& arena, ESAtom atom, std::uint32_t attributes, const ESValue& value) {
+ESProperty& ESPropertyTable::append(ESArena& arena, ESAtom atom, std::uint32_t attributes,
+                                    const ESValue& value) {
     if (count_ == capacity_) {
         grow(arena, nextCapacity(capacity_));
     }
@@ -76,11 +77,13 @@ void ESPropertyTable::adopt(ESProperty* piece, std::uint32_t count, std::uint64_
 void ESPropertyTable::grow(ESArena& arena, std::uint32_t capacity) {
     const bool compact = !pinned_ && dead_ > count_ / 2;
     if (compact) {
-        ESProperty* end = std::remove_if(slots_, slots_ + count_, [](const ESProperty& s) { return s.atom == nullptr; });
+        ESProperty* end =
+            std::remove_if(slots_, slots_ + count_, [](const ESProperty& s) { return s.atom == nullptr; });
         count_ = static_cast<std::uint32_t>(end - slots_);
         dead_ = 0;
     } else {
-        auto* moved = static_cast<ESProperty*>(arena.allocateBlock(std::size_t{capacity} * sizeof(ESProperty)));
+        auto* moved =
+            static_cast<ESProperty*>(arena.allocateBlock(std::size_t{capacity} * sizeof(ESProperty)));
         if (count_ != 0) {
             std::memcpy(static_cast<void*>(moved), slots_, std::size_t{count_} * sizeof(ESProperty));
         }
@@ -98,7 +101,8 @@ void ESPropertyTable::grow(ESArena& arena, std::uint32_t capacity) {
 void ESPropertyTable::rebuildIndex(ESArena& arena) {
     const std::uint32_t size = std::bit_ceil(count_ * 2 + 2);
     if (size > indexSize_) {
-        auto* index = static_cast<std::uint32_t*>(arena.allocateBlock(std::size_t{size} * sizeof(std::uint32_t)));
+        auto* index =
+            static_cast<std::uint32_t*>(arena.allocateBlock(std::size_t{size} * sizeof(std::uint32_t)));
         arena.releaseBlock(index_, std::size_t{indexSize_} * sizeof(std::uint32_t));
         index_ = index;
         indexSize_ = size;
@@ -135,7 +139,8 @@ void ESElements::reserve(std::uint32_t capacity) {
     if (capacity <= capacity_) {
         return;
     }
-    auto* data = static_cast<ESValue*>(std::realloc(static_cast<void*>(data_), std::size_t{capacity} * sizeof(ESValue)));
+    auto* data = static_cast<ESValue*>(
+        std::realloc(static_cast<void*>(data_), std::size_t{capacity} * sizeof(ESValue)));
     if (data == nullptr) {
         throw std::bad_alloc();
     }

@@ -45,7 +45,7 @@ static_assert(sizeof(ESProperty) == 24);
 // The named properties of one object. A slot found once stays at its position, unless the table may be
 // compacted (tables with pinned positions never are), so a remembered position needs only its atom checked.
 class ESPropertyTable {
-  public:
+public:
     std::uint32_t count() const { return count_; } // slots, the deleted ones included
     ESProperty& at(std::uint32_t position) { return slots_[position]; }
     const ESProperty& at(std::uint32_t position) const { return slots_[position]; }
@@ -80,7 +80,7 @@ class ESPropertyTable {
     static std::uint64_t maskBit(ESAtom atom) { return std::uint64_t{1} << (atom->hash >> 26); }
     std::uint64_t mask() const { return mask_; }
 
-  private:
+private:
     ESProperty* findIndexed(ESAtom atom);
     void grow(ESArena& arena, std::uint32_t capacity);
     void rebuildIndex(ESArena& arena);
@@ -95,13 +95,13 @@ class ESPropertyTable {
     std::uint32_t dead_ = 0;         // erased slots
     bool pinned_ = false;
 
-  public:
+public:
     bool hasIndexNames = false; // some slot is named by an array index
 };
 
 // Elements 0 to count-1 in one vector of values. An absent one is a hole (ESTagHole).
 class ESElements {
-  public:
+public:
     std::uint32_t count() const { return count_; }
     ESValue* data() { return data_; }
     const ESValue* data() const { return data_; }
@@ -119,7 +119,7 @@ class ESElements {
     void removeFirst();
     void release(); // gives the memory back; the owner's destructor
 
-  private:
+private:
     ESValue* data_ = nullptr; // from malloc, so that a large vector grows in place
     std::uint32_t count_ = 0;
     std::uint32_t capacity_ = 0;
@@ -138,7 +138,7 @@ struct ESClosure {
 struct ESObject {
     ESObject* prototype = nullptr;
     ESClass* nativeClass = nullptr;
-    ESValue value = undefinedValue(); // by class: the wrapped primitive, a time value, a function's name
+    ESValue value = undefinedValue();      // by class: the wrapped primitive, a time value, a function's name
     ESClosure* callClosure = nullptr;      // set on everything callable
     ESClosure* constructClosure = nullptr; // set on everything usable with new; may be the same record
     ESPropertyTable properties;

@@ -5,7 +5,8 @@
 
 ESValue ESContext::newString(QStringView characters) {
     if (characters.size() <= 1) {
-        return characters.isEmpty() ? atomValue(wellKnownAtoms.empty) : characterString(characters.front().unicode());
+        return characters.isEmpty() ? atomValue(wellKnownAtoms.empty)
+                                    : characterString(characters.front().unicode());
     }
     if (characters.size() > static_cast<qsizetype>(ESText::maxLength)) {
         raiseRangeError("length too large");

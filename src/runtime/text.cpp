@@ -47,7 +47,8 @@ ESText* ESText::newText(void* memory, const char16_t* characters, std::uint32_t 
 // A text with its characters right behind it: two parts, put together.
 const ESText* ESText::makeOf(ESArena& arena, QStringView left, QStringView right) {
     const auto length = static_cast<std::uint32_t>(left.size() + right.size());
-    auto* memory = static_cast<std::byte*>(arena.allocate(sizeof(ESText) + std::size_t{length} * sizeof(char16_t)));
+    auto* memory =
+        static_cast<std::byte*>(arena.allocate(sizeof(ESText) + std::size_t{length} * sizeof(char16_t)));
     auto* copy = reinterpret_cast<char16_t*>(memory + sizeof(ESText));
     copyCharacters(copy, left.utf16(), static_cast<std::uint32_t>(left.size()));
     copyCharacters(copy + left.size(), right.utf16(), static_cast<std::uint32_t>(right.size()));
@@ -60,7 +61,8 @@ const ESText* ESText::makeView(ESArena& arena, const char16_t* characters, std::
 
 const ESText* ESText::make(ESArena& arena, QStringView characters) { return makeOf(arena, characters, {}); }
 
-const ESText* ESText::makePart(ESArena& arena, const ESText& whole, std::uint32_t from, std::uint32_t length) {
+const ESText* ESText::makePart(ESArena& arena, const ESText& whole, std::uint32_t from,
+                               std::uint32_t length) {
     return makeView(arena, whole.characters() + from, length);
 }
 

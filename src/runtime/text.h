@@ -22,7 +22,7 @@ struct ESTextBuffer {
 };
 
 class ESText {
-  public:
+public:
     static constexpr std::uint32_t maxLength = 0x3FFFFFFF; // code units
 
     std::uint32_t length() const { return length_; }
@@ -51,14 +51,15 @@ class ESText {
     // A text over characters that outlive it; nothing is copied.
     static const ESText* makeView(ESArena& arena, const char16_t* characters, std::uint32_t length);
     // A part of another text, sharing its characters. from + length must lie within it.
-    static const ESText* makePart(ESArena& arena, const ESText& whole, std::uint32_t from, std::uint32_t length);
+    static const ESText* makePart(ESArena& arena, const ESText& whole, std::uint32_t from,
+                                  std::uint32_t length);
     // left followed by right. The sum of the lengths must not pass maxLength.
     static const ESText* concatenate(ESArena& arena, const ESText& left, const ESText& right);
     // A text followed by (or behind) a few characters, which are copied.
     static const ESText* append(ESArena& arena, const ESText& left, QStringView right);
     static const ESText* prepend(ESArena& arena, QStringView left, const ESText& right);
 
-  private:
+private:
     friend class ESAtomTable;
     ESText() = default;
     void flatten() const;

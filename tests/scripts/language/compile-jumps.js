@@ -19,7 +19,7 @@ i = 0; do { if (++i == 2) continue; n(i); } while (i < 4); show("do");
 for (i = 0; i < 3; i++) switch (i) { case 1: continue; default: n(i); break; } show("continue in switch");
 var o = {first: 1, second: 2, third: 3};
 for (var k in o) { if (k.length > 5) continue; if (o[k]) n(k + " "); } show("for in");
-for (o.k in {first: 1}) n(o.k); show("for in a member");
+for (o.m in {first: 1}) if (o.m.length == 5) n(o.m); show("for in a member");
 outer: for (i = 0; i < 3; i++) {
     for (var j = 0; j < 3; j++) {
         if (j == 1) continue outer;
@@ -55,7 +55,7 @@ n(leave(5)); show("with");
 l: with ({here: "object"}) { for (;;) break l; }
 n(here); show("with at program level");
 function find(o, wanted) { for (var k in o) with (o) if (k == wanted) return k; return "none"; }
-n(find(o, "second") + find(o, "x") + here); show("return");
+n(find({second: 1}, "second") + find(o, "x") + here); show("return");
 // expect: switch: 1. s2 22 2d1.
 // expect: for: 023
 // expect: while: 134

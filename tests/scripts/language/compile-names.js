@@ -59,3 +59,4 @@ show("Function", built());
 // expect: set: 7
 // expect: enumerable: undeclared mentioned 
 // expect: eval sees globals: undefined 5 4
+// expect: Function: undefined3

@@ -29,7 +29,7 @@ var old = s++; WScript.Echo(typeof old + " " + s + "\n");
 o.k = "5";
 old = o.k++; WScript.Echo(typeof old + " " + o.k + " " + (--o["k"]) + " " + (o.k--) + " " + o.k + "\n");
 // expect: arithmetic: abc
-// expect: comparison: abdcgfe
+// expect: comparison: abdcfeg
 // expect: logic: ac
 // expect: call of a value: abf!
 // expect: call of a member: aok
@@ -41,7 +41,7 @@ old = o.k++; WScript.Echo(typeof old + " " + o.k + " " + (--o["k"]) + " " + (o.k
 // expect: literals: abcd
 // expect: unary: abc
 // expect: throw and try: 
-// expect: 2 5
+// expect: 3 5
 // expect: 6
 // expect: string 6
 // expect: number 6 5 5 4

@@ -22,7 +22,7 @@ TEST(ReportResult, TextOfAFailure) {
     ESContext context;
     context.initContext();
     const ESCompletion failed = context.evaluate(QStringLiteral("\nundefined()"));
-    EXPECT_EQ(failureOf(context, failed), "line 2: can only call function objects");
+    EXPECT_EQ(failureOf(context, failed), "line 2: not a function object");
 
     const auto ending = [](std::int32_t status, const ESValue& value) {
         return ESCompletion{status, value, {}};
