@@ -15,7 +15,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 #if defined(__GNUC__) && !defined(QUORVANE_SWITCH_DISPATCH)
 #define ES_COMPUTED_GOTO 1
@@ -141,12 +140,12 @@ void enterActivation(ESContext& ctx, ESFusedCode& code, const ESValue* args) {
     code.freeNodes.pop_back();
     node->prototype = ctx.scope;
     ESPropertyTable& properties = node->value.object->properties;
-    if (properties.count() != 0) {
-        std::memcpy(static_cast<void*>(&properties.at(0)), code.activationTemplate.data(),
-                    code.activationTemplate.size() * sizeof(ESProperty));
-        for (std::int32_t i = 0; i < code.argCount; ++i) {
-            copyValue(properties.at(static_cast<std::uint32_t>(i)), args[i]);
-        }
+    const auto count = static_cast<std::uint32_t>(code.activationTemplate.size());
+    for (std::uint32_t i = 0; i < count; ++i) {
+        properties.at(i) = code.activationTemplate[i];
+    }
+    for (std::uint32_t i = 0; i < static_cast<std::uint32_t>(code.argCount); ++i) {
+        copyValue(properties.at(i), args[i]);
     }
     ctx.scope = node;
 }
@@ -489,9 +488,25 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         NEXT(StepSlot)
     }
     CASE(StepName) : {
+        const auto opcode = static_cast<ESOpcode>(B);
+        const ESAtom known = pc[3].atom;
+        const auto own = static_cast<std::uint32_t>(code->activationTemplate.size());
+        if (known != nullptr) {
+            ESProperty* slot = guessedName(ctx, known, pc[4], own, C);
+            if (slot != nullptr && slot->tag == ESTagNumber && (slot->attributes & ReadOnly) == 0) [[likely]] {
+                const double by = opcode == OP_PREINCX || opcode == OP_POSTINCX ? 1.0 : -1.0;
+                slot->number += by;
+                const bool givesNew = opcode == OP_PREINCX || opcode == OP_PREDECX;
+                setNumber(R(A), givesNew ? slot->number : slot->number - by);
+                NEXT(StepName)
+            }
+        }
         SYNC();
-        const ESValue name = R(B);
-        R(A) = stepName(ctx, static_cast<ESOpcode>(C), ctx.toAtom(name));
+        const ESValue name = known != nullptr ? atomValue(known) : R(D);
+        const ESAtom atom = ctx.toAtom(name);
+        const ESValue result = stepName(ctx, opcode, atom);
+        rememberName(ctx, atom, pc[4], C);
+        R(A) = result;
         NEXT(StepName)
     }
 

@@ -478,11 +478,15 @@ void Translator::variables(ESOpcode op) {
         return emitStep(ESFusedOp::StepSlot, argCount + first(), op == OP_INCLM);
     default: { // the steps by name
         const std::size_t depth = stack_.size();
-        const std::uint32_t name = popRegister();
+        const Entry name = pop();
+        const bool known = name.kind == Entry::Constant && name.constant.tag == ESTagAtom;
+        const std::uint32_t nameRegister = known ? 0 : registerOf(name, depth);
         const std::uint32_t to = destination();
         emit(ESFusedOp::StepName, spAt(depth));
-        operands(to, name);
-        operands(op, 0);
+        operands(to, op);
+        operands(0, nameRegister);
+        atom(known ? name.constant.atom : nullptr);
+        nameCache();
         return pushResult();
     }
     }
