@@ -493,7 +493,8 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         const auto own = static_cast<std::uint32_t>(code->activationTemplate.size());
         if (known != nullptr) {
             ESProperty* slot = guessedName(ctx, known, pc[4], own, C);
-            if (slot != nullptr && slot->tag == ESTagNumber && (slot->attributes & ReadOnly) == 0) [[likely]] {
+            if (slot != nullptr && slot->tag == ESTagNumber && (slot->attributes & ReadOnly) == 0)
+                [[likely]] {
                 const double by = opcode == OP_PREINCX || opcode == OP_POSTINCX ? 1.0 : -1.0;
                 slot->number += by;
                 const bool givesNew = opcode == OP_PREINCX || opcode == OP_PREDECX;
