@@ -53,9 +53,8 @@ public:
     std::int32_t localCount = 0; // of those that lie in the stack
     bool needsActivation = false;
     std::vector<ESProperty> activationTemplate; // slots of a fresh activation
-    std::uint64_t activationMask = 0;
-    std::uint32_t propertiesMade = 0; // most that a call as a constructor has left on its object
-    std::vector<ESObject*> freeNodes; // scope nodes of ended calls that nothing captured
+    std::uint32_t propertiesMade = 0;           // most that a call as a constructor has left on its object
+    std::vector<ESObject*> freeNodes;           // scope nodes of ended calls that nothing captured
 };
 
 // The form of a block, made if need be. `handlers` is the loop's table, by ESFusedOp.

@@ -1023,7 +1023,6 @@ ESFusedCode& fusedCodeOf(ESCodeBlock& block, const void* const* handlers) {
                 const bool named = i < block.variables.size();
                 slot.atom = named ? block.variables[i].atom : nullptr;
                 slot.attributes = named ? block.variables[i].attributes : std::uint32_t{DontEnum};
-                code->activationMask |= named ? ESPropertyTable::maskBit(slot.atom) : 0;
                 code->activationTemplate.push_back(slot);
             }
         }
