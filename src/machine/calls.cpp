@@ -10,7 +10,7 @@
 #include <algorithm>
 
 void ESContext::execute(ESCodeBlock* block) {
-    if (executionForm == ESExecutionForm::Fused && !asksKeepRunning) {
+    if (runsFused()) {
         executeFused(*this, *block);
     } else if (asksKeepRunning) {
         executeBytes<true>(*this, *block);
@@ -42,17 +42,13 @@ void ESContext::call(ESObject* fn, ESObject* receiver, std::int32_t argc) {
         acc = undefinedValue();
         return;
     }
+    if (runsFused()) {
+        return callFused(*this, *closure, receiver, argc);
+    }
     ESObject* const savedThis = thisObject;
     ESValue* const savedFrame = frame;
     const std::int32_t savedArgs = frameArgs;
     ESObject* const savedScope = scope;
-    const std::int32_t savedSurplus = spSurplus;
-    if (executionForm == ESExecutionForm::Fused && argc > closure->argCount) {
-        // Arguments beyond the formals can't be reached; in the fused form they only count.
-        spSurplus += argc - closure->argCount;
-        sp -= argc - closure->argCount;
-        argc = closure->argCount;
-    }
     frameArgs = argc;
     frame = &stack[sp - argc];
     scope = closure->scope;
@@ -70,7 +66,6 @@ void ESContext::call(ESObject* fn, ESObject* receiver, std::int32_t argc) {
     thisObject = savedThis;
     frame = savedFrame;
     frameArgs = savedArgs;
-    spSurplus = savedSurplus;
     sp -= locals + argc + 1;
 }
 

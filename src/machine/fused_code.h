@@ -51,6 +51,7 @@ public:
     std::vector<Site> sites; // beside the cells
     std::int32_t argCount = 0;
     std::int32_t localCount = 0; // of those that lie in the stack
+    std::int32_t uncounted = 0;  // of these, how many the loop over the bytes keeps elsewhere
     bool needsActivation = false;
     std::vector<ESProperty> activationTemplate; // slots of a fresh activation
     std::uint32_t propertiesMade = 0;           // most that a call as a constructor has left on its object
@@ -62,6 +63,8 @@ ESFusedCode& fusedCodeOf(ESCodeBlock& block, const void* const* handlers);
 
 // Runs a block as execute() is defined to.
 void executeFused(ESContext& ctx, ESCodeBlock& block);
+// Calls a script function as call() is defined to, its arguments completed.
+void callFused(ESContext& ctx, const ESClosure& closure, ESObject* receiver, std::int32_t argc);
 
 // One script call that the loop has entered without recursing; kept beside the value stack.
 struct ESFusedFrame {

@@ -57,14 +57,26 @@ inline bool isTrue(ESContext& ctx, const ESValue& v) {
     return v.tag == ESTagBoolean || v.tag == ESTagNumber ? v.number != 0.0 : ctx.toBoolean(v);
 }
 
-// The remainder of two numbers; whole ones of 32 bits need no library.
+[[gnu::noinline]] double largeRemainder(double a, double b) {
+    constexpr double limit = 9007199254740992.0; // 2 to the 53rd: whole numbers below it are exact
+    if (a > 0 && a < limit && b > 0 && b < limit) {
+        const auto wholeA = static_cast<std::int64_t>(a);
+        const auto wholeB = static_cast<std::int64_t>(b);
+        if (static_cast<double>(wholeA) == a && static_cast<double>(wholeB) == b) {
+            return static_cast<double>(wholeA % wholeB);
+        }
+    }
+    return std::fmod(a, b);
+}
+
+// The remainder of two numbers; whole ones need no library.
 inline double remainder(double a, double b) {
     const auto wholeA = ESContext::doubleToInt32(a);
     const auto wholeB = ESContext::doubleToInt32(b);
     if (wholeA >= 0 && wholeB > 0 && wholeA == a && wholeB == b && (wholeA != 0 || !std::signbit(a))) {
         return wholeA % wholeB;
     }
-    return std::fmod(a, b);
+    return largeRemainder(a, b);
 }
 
 // An element of a dense vector by a number as key; null when it isn't one.
@@ -150,6 +162,31 @@ void enterActivation(ESContext& ctx, ESFusedCode& code, const ESValue* args) {
     ctx.scope = node;
 }
 
+// Sets the registers and variables of a script function about to run. Its arguments are complete; those
+// beyond the formals can't be reached, and the caller has counted them.
+inline void enterFunction(ESContext& ctx, ESFusedCode& code, const ESClosure& closure, ESObject* receiver,
+                          ESValue* args) {
+    ctx.spSurplus -= code.uncounted;
+    ctx.scope = closure.scope;
+    ctx.thisObject = receiver;
+    if (code.needsActivation) {
+        enterActivation(ctx, code, args);
+        return;
+    }
+    ESValue* local = args + code.argCount;
+    for (std::int32_t i = 0; i < code.localCount; ++i) {
+        local[i].tag = ESTagUndefined;
+        local[i].bits = 0;
+    }
+}
+
+// `node` was the scope while the function ran.
+inline void leaveFunction(ESFusedCode& code, ESObject* node) {
+    if (code.needsActivation && !isCaptured(node)) {
+        code.freeNodes.push_back(node);
+    }
+}
+
 // Gives the depth of frames back when a run ends, however it ends.
 class FrameGuard {
 public:
@@ -190,11 +227,38 @@ const void* const* loop(ESContext* context, ESFusedCode* code);
 
 } // namespace
 
-void executeFused(ESContext& ctx, ESCodeBlock& block) {
+namespace {
+
+ESFusedCode& codeOf(ESCodeBlock& block) {
     static const void* const* const handlers = loop(nullptr, nullptr);
-    ESFusedCode& code = fusedCodeOf(block, handlers);
+    return block.fused != nullptr ? *block.fused : fusedCodeOf(block, handlers);
+}
+
+} // namespace
+
+void executeFused(ESContext& ctx, ESCodeBlock& block) {
+    const FrameGuard guard(ctx);
+    loop(&ctx, &codeOf(block));
+}
+
+void callFused(ESContext& ctx, const ESClosure& closure, ESObject* receiver, std::int32_t argc) {
+    ESFusedCode& code = codeOf(*closure.block);
+    ESObject* const savedThis = ctx.thisObject;
+    ESObject* const savedScope = ctx.scope;
+    const std::int32_t savedSurplus = ctx.spSurplus;
+    const std::int32_t base = ctx.sp - argc;
+    ctx.sp = base + closure.argCount;
+    ctx.spSurplus += argc - closure.argCount;
+    enterFunction(ctx, code, closure, receiver, ctx.stack + base);
+    ctx.sp += code.localCount;
+    ESObject* const node = ctx.scope;
     const FrameGuard guard(ctx);
     loop(&ctx, &code);
+    leaveFunction(code, node);
+    ctx.scope = savedScope;
+    ctx.thisObject = savedThis;
+    ctx.spSurplus = savedSurplus;
+    ctx.sp = base;
 }
 
 // clang-format off
@@ -433,8 +497,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         NEXT(PutSlot)
     }
     CASE(GetName) : {
-        const auto own = static_cast<std::uint32_t>(code->activationTemplate.size());
-        if (const ESProperty* slot = guessedName(ctx, pc[2].atom, pc[3], own, B)) [[likely]] {
+        if (const ESProperty* slot = guessedName(ctx, pc[2].atom, pc[3], B)) [[likely]] {
             copyValue(R(A), *slot);
         } else {
             SYNC();
@@ -444,8 +507,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         NEXT(GetName)
     }
     CASE(PutName) : {
-        const auto own = static_cast<std::uint32_t>(code->activationTemplate.size());
-        if (ESProperty* slot = guessedName(ctx, pc[2].atom, pc[3], own, B)) [[likely]] {
+        if (ESProperty* slot = guessedName(ctx, pc[2].atom, pc[3], B)) [[likely]] {
             copyValue(*slot, R(A));
         } else {
             SYNC();
@@ -490,9 +552,8 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
     CASE(StepName) : {
         const auto opcode = static_cast<ESOpcode>(B);
         const ESAtom known = pc[3].atom;
-        const auto own = static_cast<std::uint32_t>(code->activationTemplate.size());
         if (known != nullptr) {
-            ESProperty* slot = guessedName(ctx, known, pc[4], own, C);
+            ESProperty* slot = guessedName(ctx, known, pc[4], C);
             if (slot != nullptr && slot->tag == ESTagNumber && (slot->attributes & ReadOnly) == 0)
                 [[likely]] {
                 const double by = opcode == OP_PREINCX || opcode == OP_POSTINCX ? 1.0 : -1.0;
@@ -904,12 +965,14 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
     CASE(CallName) : {
         SYNC();
         ESObject* foundIn = nullptr;
-        const auto own = static_cast<std::uint32_t>(code->activationTemplate.size());
         ESValue fn;
-        if (const ESProperty* slot = guessedName(ctx, pc[3].atom, pc[4], own, D)) [[likely]] {
+        if (const ESProperty* slot = guessedName(ctx, pc[3].atom, pc[4], D)) [[likely]] {
             fn = slot->value();
-            const ESObject* node = ctx.scope->prototype;
-            foundIn = (pc[4].operand.low == 2 ? node->prototype : node)->value.object;
+            const ESObject* node = ctx.scope;
+            for (std::uint32_t hops = pc[4].operand.low; hops != 0; --hops) {
+                node = node->prototype;
+            }
+            foundIn = node->value.object;
         } else {
             fn = getName(ctx, pc[3].atom, &foundIn);
             rememberName(ctx, pc[3].atom, pc[4], D);
@@ -1008,9 +1071,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
             return nullptr;
         }
         const ESFusedFrame& saved = ctx.frames[--ctx.frameDepth];
-        if (code->needsActivation && !isCaptured(saved.node)) {
-            code->freeNodes.push_back(saved.node);
-        }
+        leaveFunction(*code, saved.node);
         if (saved.made != nullptr) {
             constexpr std::uint32_t mostReserved = 32;
             code->propertiesMade =
@@ -1072,17 +1133,7 @@ enterCall : {
     code = closure->block->fused != nullptr ? closure->block->fused.get()
                                             : &fusedCodeOf(*closure->block, handlers);
     fp = args;
-    ctx.scope = closure->scope;
-    ctx.thisObject = receiver;
-    if (code->needsActivation) {
-        enterActivation(ctx, *code, args);
-    } else {
-        ESValue* local = fp + wanted;
-        for (std::int32_t i = 0; i < code->localCount; ++i) {
-            local[i].tag = ESTagUndefined;
-            local[i].bits = 0;
-        }
-    }
+    enterFunction(ctx, *code, *closure, receiver, args);
     saved.node = ctx.scope;
     pc = code->cells.data();
     AGAIN();

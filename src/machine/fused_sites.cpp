@@ -28,21 +28,25 @@ void storeField(ESContext& ctx, ESObject* object, ESAtom atom, const ESValue& v,
     }
 }
 
-void rememberName(const ESContext& ctx, ESAtom atom, ESCell& cell, std::uint32_t& between) {
+void rememberName(const ESContext& ctx, ESAtom atom, ESCell& cell, std::uint32_t& passed) {
+    constexpr std::uint32_t mostHops = 2;
+    std::uint32_t slots = 0;
     std::uint32_t hops = 0;
-    for (const ESObject* node = ctx.scope; node != nullptr && hops <= 2; node = node->prototype, ++hops) {
-        ESObject* searched = node->value.object;
+    for (const ESObject* node = ctx.scope; node != nullptr; node = node->prototype, ++hops) {
+        const ESObject* searched = node->value.object;
+        const ESPropertyTable& properties = searched->properties;
         if (searched->nativeClass != ctx.activationClass) {
             return;
         }
-        if (hops == 1) {
-            between = searched->properties.count();
-        }
-        if (const ESProperty* slot = searched->properties.find(atom)) {
-            if (hops != 0) {
-                cell.operand = {hops, static_cast<std::uint32_t>(slot - &searched->properties.at(0))};
-            }
+        if (const ESProperty* slot = properties.find(atom)) {
+            cell.operand = {hops, static_cast<std::uint32_t>(slot - &properties.at(0))};
+            passed = slots;
             return;
         }
+        // Another call's activation may have come to as many slots by other names.
+        if (hops == mostHops || !properties.isAsAdopted() || properties.count() > 0xFFFF) {
+            return;
+        }
+        slots |= properties.count() << (16 * hops);
     }
 }

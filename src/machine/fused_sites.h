@@ -44,26 +44,19 @@ ESValue findField(ESContext& ctx, ESObject* object, ESAtom atom, ESCell& cell);
 // Writes one, the same way.
 void storeField(ESContext& ctx, ESObject* object, ESAtom atom, const ESValue& v, ESCell& cell);
 
-// The slot of a name in an activation one or two nodes up, by memory; null when it doesn't fit. `own` is the
-// number of slots that a fresh activation of the running function has, `between` that of the next one.
-inline ESProperty* guessedName(const ESContext& ctx, ESAtom atom, const ESCell& cell, std::uint32_t own,
-                               std::uint32_t between) {
-    const std::uint32_t hops = cell.operand.low;
-    if (hops == nothingRemembered) {
-        return nullptr;
-    }
+// The slot of a name in an activation some nodes up the scope chain, by the site's memory in `cell`: how
+// many nodes, and the position; null when it doesn't fit. `passed` has the number of slots of the nodes
+// passed on the way, 16 bits for each: with more slots, one of them may have the name now.
+inline ESProperty* guessedName(const ESContext& ctx, ESAtom atom, const ESCell& cell, std::uint32_t passed) {
     const ESObject* node = ctx.scope;
-    if (node->value.object->properties.count() != own) {
-        return nullptr;
-    }
-    node = node->prototype;
-    if (hops == 2) {
-        if (node->value.object->properties.count() != between) {
+    for (std::uint32_t hops = cell.operand.low; hops != 0; --hops) {
+        if (node->value.object->properties.count() != (passed & 0xFFFF)) {
             return nullptr;
         }
+        passed >>= 16;
         node = node->prototype;
     }
     return guessedOwn(node->value.object, atom, cell.operand.high);
 }
 // Finds out what there is to remember for a name, after the search has found it.
-void rememberName(const ESContext& ctx, ESAtom atom, ESCell& cell, std::uint32_t& between);
+void rememberName(const ESContext& ctx, ESAtom atom, ESCell& cell, std::uint32_t& passed);

@@ -4,6 +4,7 @@
 #include "machine/code_block.h"
 #include "machine/fused_code.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace {
@@ -25,6 +26,34 @@ struct Branch {
     std::int32_t next;
 };
 
+// An access to a variable in an activation, as one to the stack.
+ESOpcode registerForm(ESOpcode op) {
+    switch (op) {
+    case OP_GETAM:
+        return OP_GETA;
+    case OP_GETLM:
+        return OP_GETL;
+    case OP_PUTAM:
+        return OP_PUTA;
+    case OP_PUTLM:
+        return OP_PUTL;
+    case OP_INCM:
+        return OP_INCA;
+    case OP_DECAM:
+        return OP_DECA;
+    case OP_INCLM:
+        return OP_INCL;
+    case OP_DECLM:
+        return OP_DECL;
+    case OP_CALLAM:
+        return OP_CALLA;
+    case OP_CALLLM:
+        return OP_CALLL;
+    default:
+        return op;
+    }
+}
+
 class Translator {
 public:
     Translator(ESCodeBlock& block, ESFusedCode& code, const void* const* handlers)
@@ -34,11 +63,13 @@ public:
 private:
     // --- The block's bytes ---
     ESOpcode opAt(std::int32_t offset) const {
-        return static_cast<ESOpcode>(block_.code[static_cast<std::size_t>(offset)]);
+        const auto op = static_cast<ESOpcode>(block_.code[static_cast<std::size_t>(offset)]);
+        return inRegisters_ ? registerForm(op) : op;
     }
     std::uint32_t first() const { return block_.operandAt(offset_ + 1); }
     std::uint32_t second() const { return block_.operandAt(offset_ + 3); }
     bool isLabel(std::int32_t offset) const { return labels_[static_cast<std::size_t>(offset)]; }
+    bool scopeIsItsOwn() const;
     void findLabels();
     std::int32_t threadJump(std::int32_t target) const;
     std::optional<std::int32_t> threadLogical(bool value, std::int32_t target) const;
@@ -121,8 +152,9 @@ private:
     std::uint32_t base_ = 0; // registers before the home of depth 0
     std::int32_t offset_ = 0;
     std::int32_t next_ = 0;
-    bool flows_ = true;   // the code before this instruction leads here
-    bool stored_ = false; // the result went straight to a variable, and the store is consumed
+    bool inRegisters_ = false; // the variables that the bytes keep in an activation
+    bool flows_ = true;        // the code before this instruction leads here
+    bool stored_ = false;      // the result went straight to a variable, and the store is consumed
 };
 
 void Translator::emit(ESFusedOp op, std::int32_t sp) {
@@ -306,14 +338,48 @@ void Translator::findLabels() {
     }
 }
 
+// Whether nobody else can come by the activation of a call: nothing takes hold of the scope, and no name that
+// is looked for along it is one of the function's own. Then its variables may as well lie in the stack.
+bool Translator::scopeIsItsOwn() const {
+    if (block_.namesEvaluator || block_.localCount > ESContext::maxUncounted) {
+        return false;
+    }
+    const auto isVariable = [&](ESAtom atom) {
+        return std::any_of(block_.variables.begin(), block_.variables.end(),
+                           [&](const ESProperty& variable) { return variable.atom == atom; });
+    };
+    for (std::int32_t offset = 0; offset < block_.length();
+         offset += instructionTable[opAt(offset)].width()) {
+        switch (opAt(offset)) {
+        case OP_CLOSURE:
+        case OP_WITH:
+        case OP_DELETEW:
+            return false;
+        case OP_GETW:
+        case OP_PUTW:
+        case OP_CALLW:
+        case OP_STR: // the name of a step, or a text that happens to be a variable's name
+            if (isVariable(atomAt(block_.operandAt(offset + 1)))) {
+                return false;
+            }
+            break;
+        default:
+            break;
+        }
+    }
+    return true;
+}
+
 void Translator::run() {
     std::int32_t deepest = 0;
     depthAt_ = block_.depths(deepest);
     findLabels();
     cellAt_.assign(block_.code.size() + 1, 0);
     code_.argCount = block_.argCount;
-    code_.needsActivation = block_.needsActivation;
-    code_.localCount = block_.needsActivation ? 0 : block_.localCount;
+    inRegisters_ = block_.needsActivation && scopeIsItsOwn();
+    code_.needsActivation = block_.needsActivation && !inRegisters_;
+    code_.localCount = code_.needsActivation ? 0 : block_.localCount;
+    code_.uncounted = inRegisters_ ? block_.localCount : 0;
     base_ = static_cast<std::uint32_t>(code_.argCount + code_.localCount);
     for (offset_ = 0; offset_ < block_.length(); offset_ = next_) {
         const ESOpcode op = opAt(offset_);
@@ -395,7 +461,7 @@ void Translator::store(std::uint32_t reg) {
 }
 
 // Room for what a search along the scope chain remembers.
-void Translator::nameCache() { operands(thisOperand, 0); }
+void Translator::nameCache() { operands(0, nowhere); }
 
 void Translator::variables(ESOpcode op) {
     const auto emitGet = [&](ESFusedOp fused) {
@@ -1016,7 +1082,7 @@ ESFusedCode& fusedCodeOf(ESCodeBlock& block, const void* const* handlers) {
     if (block.fused == nullptr) {
         auto code = std::make_unique<ESFusedCode>(block);
         Translator(block, *code, handlers).run();
-        if (block.needsActivation) {
+        if (code->needsActivation) {
             const auto count = static_cast<std::size_t>(block.argCount + block.localCount);
             for (std::size_t i = 0; i < count; ++i) {
                 ESProperty slot{};

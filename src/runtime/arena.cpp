@@ -18,12 +18,13 @@ void* ESArena::allocateSlow(std::size_t bytes) {
     // A large piece gets a chunk of its own, so that the rest of the present one isn't lost.
     const bool alone = bytes > nextChunk_ / 4;
     const std::size_t size = alone ? bytes : nextChunk_;
-    chunks_.reserve(chunks_.size() + 1);
+    chunks_.push_back(nullptr); // first, since it may fail
     void* chunk = std::malloc(size);
     if (chunk == nullptr) {
+        chunks_.pop_back();
         throw std::bad_alloc();
     }
-    chunks_.push_back(chunk);
+    chunks_.back() = chunk;
     if (alone) {
         return chunk;
     }

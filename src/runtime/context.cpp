@@ -16,7 +16,8 @@ constexpr std::size_t slabObjects = 64;
 
 // Behind the entries that calls are tested against lies room for what one block can push: its depth, and the
 // arguments and locals of one more call. The kernel gives pages only where something is written.
-constexpr std::size_t stackEntries = ESContext::stackSize + ESContext::maxBlockDepth + 3 * 65536 + 1024;
+constexpr std::size_t stackEntries =
+    ESContext::stackSize * (1 + ESContext::maxUncounted) + ESContext::maxBlockDepth + 3 * 65536 + 1024;
 constexpr std::size_t stackBytes = stackEntries * sizeof(ESValue);
 
 // Each script call that hasn't ended leaves an entry on the stack at least; room for their records.
@@ -35,19 +36,17 @@ ESContext::ESContext(bool asks) : asksKeepRunning(asks) {
 }
 
 ESContext::~ESContext() {
-    for (ESObject* slab : slabs_) {
+    for (const std::unique_ptr<ESObject[]>& slab : slabs_) {
         for (std::size_t i = 0; i < slabObjects; ++i) {
             slab[i].elements.release();
         }
-        delete[] slab;
     }
     munmap(stack, stackBytes + frameBytes);
 }
 
 void ESContext::addObjectSlab() {
-    slabs_.reserve(slabs_.size() + 1);
-    slabs_.push_back(new ESObject[slabObjects]);
-    nextFree_ = slabs_.back();
+    slabs_.push_back(std::make_unique<ESObject[]>(slabObjects));
+    nextFree_ = slabs_.back().get();
     slabEnd_ = nextFree_ + slabObjects;
 }
 

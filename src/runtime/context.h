@@ -203,12 +203,15 @@ public:
     static constexpr std::int32_t stackSize = 1024; // entries that calls are tested against
     // Entries that one block may push beyond what its callers left; the memory behind stackSize holds them.
     static constexpr std::int32_t maxBlockDepth = 1 << 18;
+    // Entries of one call, at most, that lie in the stack and do not count: spSurplus goes below zero for
+    // them.
+    static constexpr std::int32_t maxUncounted = 16;
 
     ESValue acc = undefinedValue(); // the logical top of the stack; after a run, its result
     ESValue aux = undefinedValue(); // second working register
     ESValue* stack = nullptr;
     std::int32_t sp = 0;        // entries in use
-    std::int32_t spSurplus = 0; // entries that count against stackSize but are not kept in the stack
+    std::int32_t spSurplus = 0; // entries that count against stackSize beyond those kept in the stack
     ESObject* scope = nullptr;  // head scope node, null at program level
     ESValue* frame = nullptr;   // first argument of the running function, inside stack
     std::int32_t frameArgs = 0; // arguments of the running function, those added by the call included
@@ -219,6 +222,7 @@ public:
     // What contexts start with; only tests change it.
     inline static ESExecutionForm defaultForm = ESExecutionForm::Fused;
     ESExecutionForm executionForm = defaultForm;
+    bool runsFused() const { return executionForm == ESExecutionForm::Fused && !asksKeepRunning; }
     // Every function keeps its variables in an activation object (a switch for tests).
     bool alwaysActivation = false;
 
@@ -288,7 +292,7 @@ private:
 
     ESArena arena_;
     std::vector<std::unique_ptr<ESClass>> classes_;
-    std::vector<ESObject*> slabs_; // of slabObjects each
+    std::vector<std::unique_ptr<ESObject[]>> slabs_; // of slabObjects each
     ESObject* nextFree_ = nullptr;
     ESObject* slabEnd_ = nullptr;
     std::int32_t line_ = 0;

@@ -41,6 +41,7 @@ ESProperty& ESPropertyTable::append(ESArena& arena, ESAtom atom, std::uint32_t a
         mask_ |= maskBit(atom);
         hasIndexNames = hasIndexNames || atom->arrayIndex != notAnIndex;
     }
+    appended_ = pinned_;
     ESProperty& slot = slots_[count_];
     slot.atom = atom;
     slot.attributes = attributes;

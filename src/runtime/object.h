@@ -76,6 +76,8 @@ public:
     void pin() { pinned_ = true; }
     // Takes over the `count` slots at `piece`, which the arena owns; only for an empty table (activations).
     void adopt(ESProperty* piece, std::uint32_t count, std::uint64_t mask);
+    // Whether a pinned table has only the slots that it adopted.
+    bool isAsAdopted() const { return !appended_; }
 
     static std::uint64_t maskBit(ESAtom atom) { return std::uint64_t{1} << (atom->hash >> 26); }
     std::uint64_t mask() const { return mask_; }
@@ -94,6 +96,7 @@ private:
     std::uint32_t indexSize_ = 0;    // entries of index_, a power of two
     std::uint32_t dead_ = 0;         // erased slots
     bool pinned_ = false;
+    bool appended_ = false; // to a pinned table
 
 public:
     bool hasIndexNames = false; // some slot is named by an array index

@@ -42,6 +42,23 @@ function evaluated() { var local = 1; return eval("typeof local"); }
 show("eval sees globals", evaluated() + " " + eval("var made = 4; later + made") + " " + made);
 function built() { var local = 1; return Function("return typeof local")() + (new Function("n", "return n + later"))(2); }
 show("Function", built());
+// Called by name, a function gets the activation where the name was found as `this`, and can add names to it.
+function top(which) {
+    var n = "outer";
+    function middle() {
+        function add() { this[which] = "added"; }
+        function look() { add(); return n; }
+        return look();
+    }
+    return middle();
+}
+show("names added to an activation", top("m") + " " + top("n") + " " + top("m"));
+function keeper() {
+    var kept = "outer";
+    function seen() { var own = "own"; return eval("with ({}) own + kept") + kept; }
+    return seen();
+}
+show("eval under with", keeper());
 // expect: before its declaration: early undefined undefined
 // expect: inside: inner
 // expect: in a block: blocked
@@ -60,3 +77,5 @@ show("Function", built());
 // expect: enumerable: undeclared mentioned 
 // expect: eval sees globals: undefined 5 4
 // expect: Function: undefined3
+// expect: names added to an activation: outer added outer
+// expect: eval under with: ownouterouter
