@@ -55,7 +55,7 @@ function top(which) {
 show("names added to an activation", top("m") + " " + top("n") + " " + top("m"));
 function keeper() {
     var kept = "outer";
-    function seen() { var own = "own"; return eval("with ({}) own + kept") + kept; }
+    function seen() { var own = "own"; eval("with ({}) found = own + kept"); return found + kept; }
     return seen();
 }
 show("eval under with", keeper());
