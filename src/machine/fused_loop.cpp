@@ -580,6 +580,19 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
     ARITHMETIC_NR(Add, OP_ADD, a + b)
     ARITHMETIC_NR(Sub, OP_SUB, a - b)
     ARITHMETIC_NR(Div, OP_DIV, a / b)
+    CASE(AddKey) : {
+        const ESValue& left = R(B);
+        const ESValue& right = R(C);
+        if (bothNumbers(left, right)) {
+            setNumber(R(A), left.number + right.number);
+        } else {
+            SYNC();
+            const ESValue leftCopy = left;
+            const ESValue rightCopy = right;
+            R(A) = sumAsKey(ctx, leftCopy, rightCopy);
+        }
+        NEXT(AddKey)
+    }
     BITWISE(And, OP_BITAND, a & b)
     BITWISE(Or, OP_BITOR, a | b)
     BITWISE(Xor, OP_BITXOR, a ^ b)

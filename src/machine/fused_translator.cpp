@@ -70,6 +70,7 @@ private:
     std::uint32_t second() const { return block_.operandAt(offset_ + 3); }
     bool isLabel(std::int32_t offset) const { return labels_[static_cast<std::size_t>(offset)]; }
     bool scopeIsItsOwn() const;
+    bool readsByKey(std::int32_t offset) const;
     void findLabels();
     std::int32_t threadJump(std::int32_t target) const;
     std::optional<std::int32_t> threadLogical(bool value, std::int32_t target) const;
@@ -253,6 +254,16 @@ std::uint32_t Translator::destination() {
         return reg;
     }
     return home(stack_.size() + 1);
+}
+
+// Whether the instruction takes the value on top as the key of an element that should be there.
+bool Translator::readsByKey(std::int32_t offset) const {
+    if (offset >= block_.length() || isLabel(offset)) {
+        return false;
+    }
+    const ESOpcode op = opAt(offset);
+    const bool compound = op >= OP_ADD && op <= OP_USHRX && (op - OP_ADD) % 2 == 1;
+    return op == OP_GETX || op >= OP_PREINCE || compound;
 }
 
 std::int32_t Translator::threadJump(std::int32_t target) const {
@@ -602,6 +613,14 @@ void Translator::binary(ESOpcode op) {
     const Entry left = pop();
     const int family = (op - OP_ADD) / 2; // ADD, SUB, MUL, DIV, MOD, BITAND, BITOR, BITXOR, SHL, SHR, USHR
     const std::int32_t sp = spAt(depth - 1);
+    if (op == OP_ADD && readsByKey(next_)) {
+        const std::uint32_t leftRegister = registerOf(left, depth - 1);
+        const std::uint32_t rightRegister = registerOf(right, depth);
+        emit(ESFusedOp::AddKey, sp);
+        operands(home(stack_.size() + 1), leftRegister);
+        operands(rightRegister, 0);
+        return pushHome();
+    }
     if (isNumber(right) && !isNumber(left)) {
         const std::uint32_t leftRegister = registerOf(left, depth - 1);
         const std::uint32_t to = destination();

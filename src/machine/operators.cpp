@@ -164,6 +164,22 @@ ESAtom typeName(const ESValue& v) {
     }
 }
 
+ESValue sumAsKey(ESContext& ctx, const ESValue& left, const ESValue& right) {
+    const ESValue sum = binaryOperator(ctx, OP_ADD, left, right);
+    const auto isOther = [&](const ESValue& operand) {
+        return operand.isNumber() || (operand.isString() && &ESContext::textOf(operand) != sum.text);
+    };
+    if (sum.tag != ESTagString || !sum.text->isFlat() || !isOther(left) || !isOther(right)) {
+        return sum;
+    }
+    const ESAtom known = findAtom(sum.text->view());
+    if (known == nullptr) {
+        return sum;
+    }
+    ESText::release(textArena(), sum.text);
+    return atomValue(known);
+}
+
 ESValue getField(ESContext& ctx, const ESValue& base, ESAtom atom) {
     if (base.isString() && atom == wellKnownAtoms.length) {
         return numberValue(ESContext::textOf(base).length());

@@ -9,6 +9,8 @@
 // Binary arithmetic, bitwise operators and shifts by opcode (OP_ADD, OP_SUB, ... OP_USHR). Operands convert
 // the right one first, but for shifts. May run script.
 ESValue binaryOperator(ESContext& ctx, ESOpcode opcode, ESValue left, ESValue right);
+// left + right where the sum will only serve as a key: the atom instead of a text that has one already.
+ESValue sumAsKey(ESContext& ctx, const ESValue& left, const ESValue& right);
 // left < right and left <= right; the right operand converts first. May run script.
 bool lessThan(ESContext& ctx, ESValue left, ESValue right);
 bool lessOrEqual(ESContext& ctx, ESValue left, ESValue right);

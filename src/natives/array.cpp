@@ -192,6 +192,7 @@ void swapPlaces(ESContext& ctx, ESObject* self, std::uint32_t lower, std::uint32
 void reverseVector(ESElements& elements) {
     ESValue* lower = elements.data();
     ESValue* upper = lower + elements.count();
+    elements.noteHoles();
     while (upper - lower > 1) {
         --upper;
         std::swap(*lower, *upper);
@@ -231,18 +232,13 @@ void reverse(ESContext& ctx, ESObject* self) {
     }
 }
 
-bool hasHoles(const ESElements& elements) {
-    return std::any_of(elements.data(), elements.data() + elements.count(),
-                       [](const ESValue& v) { return v.tag == ESTagHole; });
-}
-
 ESValue shift(ESContext& ctx, ESObject* self) {
     const std::uint32_t length = lengthOf(ctx, self);
     if (length == 0) {
         ctx.put(self, wellKnownAtoms.length, numberValue(0));
         return undefinedValue();
     }
-    if (ctx.isArrayObject(self) && self->elements.count() == length && !hasHoles(self->elements)) {
+    if (ctx.isArrayObject(self) && self->elements.count() == length && !self->elements.hasHoles()) {
         const ESValue first = self->elements.data()[0];
         self->elements.removeFirst();
         storeLength(ctx, self, length - 1);

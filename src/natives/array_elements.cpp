@@ -159,6 +159,7 @@ void deleteRange(ESContext& ctx, ESObject* obj, std::uint32_t from, std::uint32_
     ESElements& elements = obj->elements;
     if (elements.count() > from) {
         std::fill(elements.data() + from, elements.data() + std::min(to, elements.count()), hole());
+        elements.noteHoles();
         trimHoles(elements);
     }
     if (!mayNameIndexes(obj, to)) {

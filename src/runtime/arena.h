@@ -27,6 +27,13 @@ public:
         return result;
     }
 
+    // Takes back what allocate() gave last; anything else it leaves as it is.
+    void takeBack(void* memory, std::size_t bytes) {
+        if (static_cast<std::byte*>(memory) + ((bytes + 7) & ~std::size_t{7}) == next_) {
+            next_ = static_cast<std::byte*>(memory);
+        }
+    }
+
     template <typename T>
     T* allocateArray(std::size_t count) {
         return static_cast<T*>(allocate(count * sizeof(T)));

@@ -20,7 +20,7 @@ std::uint32_t nextCapacity(std::uint32_t capacity) {
 #ifdef QUORVANE_TINY_LIMITS
     return capacity + 1;
 #else
-    return capacity < 4 ? 4 : capacity + capacity / 2 + (capacity & 1);
+    return capacity == 0 ? 1 : capacity < 4 ? capacity * 2 : capacity + capacity / 2 + (capacity & 1);
 #endif
 }
 
@@ -136,17 +136,33 @@ ESProperty* ESPropertyTable::findIndexed(ESAtom atom) {
     return nullptr;
 }
 
+// What removeFirst() left in front counts as room again.
 void ESElements::reserve(std::uint32_t capacity) {
     if (capacity <= capacity_) {
         return;
     }
+    ESValue* const base = data_ - removed_;
+    if (removed_ != 0) {
+        std::memmove(static_cast<void*>(base), data_, std::size_t{count_} * sizeof(ESValue));
+        data_ = base;
+        capacity_ += removed_;
+        removed_ = 0;
+        if (capacity <= capacity_) {
+            return;
+        }
+    }
     auto* data = static_cast<ESValue*>(
-        std::realloc(static_cast<void*>(data_), std::size_t{capacity} * sizeof(ESValue)));
+        std::realloc(static_cast<void*>(base), std::size_t{capacity} * sizeof(ESValue)));
     if (data == nullptr) {
         throw std::bad_alloc();
     }
     data_ = data;
     capacity_ = capacity;
+}
+
+// Entries are moved to the front only where at least half of the memory is free by that.
+void ESElements::makeRoom() {
+    reserve(removed_ > count_ ? count_ + 1 : removed_ + std::max(count_ + count_ / 2, 4u));
 }
 
 void ESElements::resize(std::uint32_t count) {
@@ -155,17 +171,26 @@ void ESElements::resize(std::uint32_t count) {
         ESValue hole = undefinedValue();
         hole.tag = ESTagHole;
         std::fill(data_ + count_, data_ + count, hole);
+        mayHaveHoles_ = true;
     }
     count_ = count;
 }
 
 void ESElements::removeFirst() {
+    ++data_;
     --count_;
-    std::memmove(static_cast<void*>(data_), data_ + 1, std::size_t{count_} * sizeof(ESValue));
+    --capacity_;
+    ++removed_;
+}
+
+bool ESElements::hasHoles() const {
+    mayHaveHoles_ = mayHaveHoles_ &&
+                    std::any_of(data_, data_ + count_, [](const ESValue& v) { return v.tag == ESTagHole; });
+    return mayHaveHoles_;
 }
 
 void ESElements::release() {
-    std::free(data_);
+    std::free(data_ - removed_);
     data_ = nullptr;
-    count_ = capacity_ = 0;
+    count_ = capacity_ = removed_ = 0;
 }

@@ -111,7 +111,7 @@ public:
 
     void append(const ESValue& value) {
         if (count_ == capacity_) [[unlikely]] {
-            reserve(count_ < 4 ? 4 : count_ + count_ / 2);
+            makeRoom();
         }
         data_[count_++] = value;
     }
@@ -119,13 +119,21 @@ public:
     void reserve(std::uint32_t capacity);
     // Cuts off the elements from count on, or adds holes.
     void resize(std::uint32_t count);
-    void removeFirst();
-    void release(); // gives the memory back; the owner's destructor
+    void removeFirst(); // in constant time
+    void release();     // gives the memory back; the owner's destructor
+
+    // To be called when an element has been made a hole directly.
+    void noteHoles() { mayHaveHoles_ = true; }
+    bool hasHoles() const;
 
 private:
+    void makeRoom();
+
     ESValue* data_ = nullptr; // from malloc, so that a large vector grows in place
     std::uint32_t count_ = 0;
     std::uint32_t capacity_ = 0;
+    std::uint32_t removed_ = 0;         // entries in front of data_ that removeFirst() left
+    mutable bool mayHaveHoles_ = false; // false: surely none
 };
 
 // What a function object calls. A native's record has argCount alone: its declared length.

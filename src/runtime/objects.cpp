@@ -76,6 +76,7 @@ bool ESContext::deleteIndexProperty(ESObject* obj, std::uint32_t index) {
     ESElements& elements = obj->elements;
     if (hasOwnElement(obj, index)) {
         elements.data()[index].tag = ESTagHole;
+        elements.noteHoles();
         std::uint32_t count = elements.count();
         while (count != 0 && elements.data()[count - 1].tag == ESTagHole) {
             --count;

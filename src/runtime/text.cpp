@@ -110,6 +110,14 @@ const ESText* ESText::prepend(ESArena& arena, QStringView left, const ESText& ri
                : concatenate(arena, *make(arena, left), right);
 }
 
+void ESText::release(ESArena& arena, const ESText* text) {
+    const auto* own = reinterpret_cast<const char16_t*>(text + 1);
+    if (text->characters_ == own) {
+        arena.takeBack(const_cast<ESText*>(text),
+                       sizeof(ESText) + std::size_t{text->length_} * sizeof(char16_t));
+    }
+}
+
 // Walks the halves from the right end to the left without recursion, since a text that was appended to
 // 200,000 times is that deep on its left side. Where the leftmost part has room behind it, it stays in place.
 void ESText::flatten() const {

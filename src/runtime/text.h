@@ -58,6 +58,8 @@ public:
     // A text followed by (or behind) a few characters, which are copied.
     static const ESText* append(ESArena& arena, const ESText& left, QStringView right);
     static const ESText* prepend(ESArena& arena, QStringView left, const ESText& right);
+    // The end of a text that nobody else knows: its memory serves again if it was made last.
+    static void release(ESArena& arena, const ESText* text);
 
 private:
     friend class ESAtomTable;
