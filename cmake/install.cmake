@@ -5,22 +5,22 @@ include(CMakePackageConfigHelpers)
 
 set(shared "${CMAKE_INSTALL_DATADIR}/quorvane")
 
-if(TARGET quorvane)
-    install(TARGETS quorvane RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
-endif()
+foreach(program quorvane quorvane-check)
+    if(TARGET ${program})
+        install(TARGETS ${program} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+    endif()
+    install(FILES packaging/man/${program}.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
+    install(FILES packaging/completions/${program}.bash
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" RENAME ${program})
+    install(FILES packaging/completions/_${program} DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/site-functions")
+    install(FILES packaging/completions/${program}.fish
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d")
+endforeach()
+install(FILES packaging/man/quorvane-script.7 DESTINATION "${CMAKE_INSTALL_MANDIR}/man7")
 
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/lib" DESTINATION "${shared}" OPTIONAL FILES_MATCHING PATTERN "*.js")
 install(FILES packaging/make/quorvane.mk DESTINATION "${shared}")
 install(FILES types/quorvane.d.ts types/jsconfig.json DESTINATION "${shared}/types")
-
-install(FILES packaging/man/quorvane.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1")
-install(FILES packaging/man/quorvane-script.7 DESTINATION "${CMAKE_INSTALL_MANDIR}/man7")
-
-install(FILES packaging/completions/quorvane.bash
-    DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" RENAME quorvane)
-install(FILES packaging/completions/_quorvane DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/site-functions")
-install(FILES packaging/completions/quorvane.fish
-    DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d")
 
 install(FILES README.md CHANGELOG.md SECURITY.md LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/" DESTINATION "${CMAKE_INSTALL_DOCDIR}/docs" OPTIONAL)

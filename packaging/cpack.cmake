@@ -10,7 +10,8 @@ read and write words and bytes at the addresses of the target, take a CRC
 over flash with its gaps filled, and save the result without moving a byte.
 .
 It is made to be a step of a build: it has no state and no configuration, and
-comes with a CMake package and a fragment for GNU make.")
+comes with a CMake package and a fragment for GNU make. quorvane-check finds
+mistakes in scripts without running them.")
 set(CPACK_RESOURCE_FILE_LICENSE "${PROJECT_SOURCE_DIR}/LICENSE")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)

@@ -8,7 +8,7 @@ import re
 import sys
 from pathlib import Path
 
-ORDER = ["runtime", "machine", "compiler", "natives", "hostobjects", "elf", "host"]
+ORDER = ["runtime", "machine", "compiler", "natives", "hostobjects", "elf", "host", "check"]
 GENERATED = {"host/release.h"}
 FORBIDDEN = {"QCoreApplication", "QtCore/QCoreApplication", "qcoreapplication.h"}
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]', re.MULTILINE)

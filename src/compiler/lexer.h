@@ -42,6 +42,8 @@ public:
     // These tell of the token scanned last, which is the held one when there is one.
     bool newlineBefore() const { return newlineBefore_; }
     std::int32_t line() const { return line_; }
+    // Characters scanned so far: the end of that token, or the place of the fault behind an error.
+    qsizetype offset() const { return at_ - QStringView(source_).utf16(); }
     // Of the identifier or string scanned last.
     ESAtom atom() const { return atom_; }
     // Of the number scanned last: its position in the numbers of the scope's block.

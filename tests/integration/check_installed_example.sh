@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # usage: check_installed_example.sh PREFIX
-# From the installed tree alone: the example stamps its image, each library script loads and prints nothing, and
-# every file that the manual page names is there.
+# From the installed tree alone: the example stamps its image, each library script loads and prints nothing, the
+# checker finds nothing in any of them, and every file that the manual page names is there.
 set -euo pipefail
 
 quorvane=$1/bin/quorvane
@@ -27,6 +27,8 @@ for script in "$share"/quorvane/lib/*.js; do
     count=$((count + 1))
 done
 [ "$count" -gt 0 ] || { echo "FAILED: no library script is installed"; exit 1; }
+
+"$1/bin/quorvane-check" --werror "$share"/quorvane/lib/*.js "$share"/doc/quorvane/examples/*.js
 
 while read -r path; do
     [ -e "$1/${path#/usr/}" ] || { echo "FAILED: the manual names $path, which is not installed"; exit 1; }

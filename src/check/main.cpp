@@ -1,0 +1,3 @@
+#include "check/check_run.h"
+
+int main(int argc, char** argv) { return runCheck(argc, argv); }
