@@ -13,6 +13,7 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace {
@@ -125,9 +126,11 @@ const char* severityName(Severity severity) {
     }
 }
 
+// In one piece, so that the lines of checks that run side by side stay whole.
 void printReport(const char* path, const Report& report) {
-    std::cerr << path << ':' << report.line << ": " << severityName(report.severity) << ": "
-              << report.message.toLatin1().constData() << " [" << report.rule << "]\n";
+    std::cerr << std::string(path) + ':' + std::to_string(report.line) + ": " +
+                     severityName(report.severity) + ": " + report.message.toLatin1().constData() + " [" +
+                     report.rule + "]\n";
 }
 
 QJsonObject jsonOf(const char* path, const Report& report) {

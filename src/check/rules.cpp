@@ -43,36 +43,37 @@ bool isForeignObject(const Facts& facts, const Visit& visit, const ESNode* node)
            !facts.isBuiltin(visit, node->atom);
 }
 
-// --- Members and globals that aren't there, or do nothing
-// ----------------------------------------------------
+// --- Members and globals that aren't there, or do nothing ---
 
 Finding advise(const ESNode* node, const char* message, const MissingName* name) {
     return name == nullptr ? nothing
                            : found(node->line, message, node->atom, QString::fromLatin1(name->advice));
 }
 
-Finding emptyMember(const Facts& facts, const Visit& visit) {
+// The member that a call asks for, unless the script or another file may have made it; else null.
+const ESNode* calledMember(const Facts& facts, const Visit& visit) {
     const ESNode* const callee = visit.node->kind == NodeCall ? visit.node->child[0] : nullptr;
-    if (callee == nullptr) {
-        return nothing;
+    const bool foreign = callee == nullptr || callee->kind != '.' || facts.givesMember(callee->atom) ||
+                         isForeignObject(facts, visit, callee->child[0]);
+    return foreign ? nullptr : callee;
+}
+
+Finding emptyMember(const Facts& facts, const Visit& visit) {
+    constexpr char message[] = "'%1' does nothing and gives undefined: %2";
+    if (const ESNode* member = calledMember(facts, visit)) {
+        return advise(member, message, findName(emptyMembers, member->atom));
     }
-    const bool member = callee->kind == '.' && !facts.givesMember(callee->atom) &&
-                        !isForeignObject(facts, visit, callee->child[0]);
-    const bool global = callee->kind == TokenIdentifier && facts.isBuiltin(visit, callee->atom);
-    const MissingName* name = nullptr;
-    if (member || global) {
-        name = findName(member ? emptyMembers : emptyGlobals, callee->atom);
-    }
-    return advise(callee, "'%1' does nothing and gives undefined: %2", name);
+    const ESNode* const callee = visit.node->kind == NodeCall ? visit.node->child[0] : nullptr;
+    const bool builtin =
+        callee != nullptr && callee->kind == TokenIdentifier && facts.isBuiltin(visit, callee->atom);
+    return builtin ? advise(callee, message, findName(emptyGlobals, callee->atom)) : nothing;
 }
 
 Finding missingMember(const Facts& facts, const Visit& visit) {
-    const ESNode* const callee = visit.node->kind == NodeCall ? visit.node->child[0] : nullptr;
-    if (callee == nullptr || callee->kind != '.' || facts.givesMember(callee->atom) ||
-        isForeignObject(facts, visit, callee->child[0])) {
-        return nothing;
-    }
-    return advise(callee, "there is no member '%1': %2", findName(missingMembers, callee->atom));
+    const ESNode* const member = calledMember(facts, visit);
+    return member == nullptr
+               ? nothing
+               : advise(member, "there is no member '%1': %2", findName(missingMembers, member->atom));
 }
 
 bool isProbe(const ESNode* parent) {
@@ -125,8 +126,7 @@ Finding mathRandom(const Facts& facts, const Visit& visit) {
                   : nothing;
 }
 
-// --- Names
-// -----------------------------------------------------------------------------------------------------
+// --- Names ---
 
 Finding undeclaredAssignment(const Facts& facts, const Visit& visit) {
     const ESNode* const target = targetOf(visit.node);
@@ -148,8 +148,7 @@ Finding unusedFunction(const Facts& facts, const Visit& visit) {
     return found(lineOf(facts, visit.node->child[1]), "the function '%1' is never used", name);
 }
 
-// --- Expressions
-// -----------------------------------------------------------------------------------------------
+// --- Expressions ---
 
 // `value != undefined && value != null` and `typeof value == "object" && value != null` know what they do.
 bool isSecondTest(const Visit& visit) {
@@ -203,8 +202,7 @@ Finding trailingComma(const Facts&, const Visit& visit) {
                 : nothing;
 }
 
-// --- Statements
-// ------------------------------------------------------------------------------------------------
+// --- Statements ---
 
 bool isDeclarationOnly(const ESNode* node) { // `var a, b;` is a row of names
     if (node->kind != ',') {
@@ -247,11 +245,11 @@ Finding forIn(const Facts& facts, const Visit& visit) {
     if (first == nullptr || first->kind == TokenIf || first->kind == TokenSwitch) {
         return nothing;
     }
-    return found(lineOf(facts, node->child[0]),
-                 "for in also gives the names of Object.prototype, and length: test with hasOwnProperty");
+    return found(lineOf(facts, node->child[0]), "for in also gives the members of Object.prototype, and the "
+                                                "length of an Array: test with hasOwnProperty");
 }
 
-// -----------------------------------------------------------------------------------------------------------------
+// --- The table ---
 
 // Each looks at every node. The same message of one that speaks `once` comes a single time for a script.
 struct Rule {

@@ -86,7 +86,7 @@ while (a < 3) {
     }
 }
 
-for (var name in list) { // warning: for in also gives the names of Object.prototype, and length: test with hasOwnProperty [for-in]
+for (var name in list) { // warning: for in also gives the members of Object.prototype, and the length of an Array: test with hasOwnProperty [for-in]
     WScript.Echo(name);
 }
 for (name in list) // check: ignore, all names are wanted
