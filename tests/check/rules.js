@@ -25,6 +25,7 @@ WScript.Echo(Math.half(5));
 function shadows(Math) { return Math.trunc(2); }
 with (input) {
     Math.trunc(shadows);
+    list = function () { unknown = Math.trunc(1); };
 }
 
 console.log(1); // warning: there is no 'console': print with WScript.Echo [missing-global]
