@@ -26,6 +26,11 @@ union ESCell {
 };
 static_assert(sizeof(ESCell) == 8);
 
+// In place of a register: the receiver of the call is `this`.
+constexpr std::uint32_t thisOperand = 0xFFFFFFFF;
+// In place of a position: nothing is remembered yet.
+constexpr std::uint32_t nowhere = 0xFFFFFFFF;
+
 enum class ESFusedOp : std::uint8_t {
 #define ES_FUSED(name, cells) name,
 #include "machine/fused_ops.def"

@@ -8,13 +8,11 @@
 // 5. A remembered position is a guess: the slot's atom verifies it, and a miss finds it anew.
 // 6. The stack's memory never moves, so a frame may be kept in a pointer across calls; an object's slots and
 //    elements may move, so they are fetched again after every call.
-#include "machine/code_block.h"
-#include "machine/fused_code.h"
+#include "machine/fused_calls.h"
 #include "machine/fused_sites.h"
-#include "machine/operators.h"
+#include "machine/fused_values.h"
 
 #include <algorithm>
-#include <cmath>
 
 #if defined(__GNUC__) && !defined(QUORVANE_SWITCH_DISPATCH)
 #define ES_COMPUTED_GOTO 1
@@ -24,204 +22,6 @@
 #endif
 
 namespace {
-
-inline void setNumber(ESValue& to, double n) {
-    to.tag = ESTagNumber;
-    to.number = n;
-}
-inline void setBoolean(ESValue& to, bool b) {
-    to.tag = ESTagBoolean;
-    to.number = b ? 1.0 : 0.0;
-}
-// Tag and payload apart: a value written as two pieces is not read back as one.
-inline void copyValue(ESValue& to, const ESValue& from) {
-    const std::uint32_t tag = from.tag;
-    const std::uint64_t bits = from.bits;
-    to.tag = tag;
-    to.bits = bits;
-}
-inline void copyValue(ESValue& to, const ESProperty& from) {
-    to.tag = from.tag;
-    to.bits = from.bits;
-}
-inline void copyValue(ESProperty& to, const ESValue& from) {
-    to.tag = from.tag;
-    to.bits = from.bits;
-}
-
-inline bool bothNumbers(const ESValue& a, const ESValue& b) {
-    return a.tag == ESTagNumber && b.tag == ESTagNumber;
-}
-
-inline bool isTrue(ESContext& ctx, const ESValue& v) {
-    return v.tag == ESTagBoolean || v.tag == ESTagNumber ? v.number != 0.0 : ctx.toBoolean(v);
-}
-
-[[gnu::noinline]] double largeRemainder(double a, double b) {
-    constexpr double limit = 9007199254740992.0; // 2 to the 53rd: whole numbers below it are exact
-    if (a > 0 && a < limit && b > 0 && b < limit) {
-        const auto wholeA = static_cast<std::int64_t>(a);
-        const auto wholeB = static_cast<std::int64_t>(b);
-        if (static_cast<double>(wholeA) == a && static_cast<double>(wholeB) == b) {
-            return static_cast<double>(wholeA % wholeB);
-        }
-    }
-    return std::fmod(a, b);
-}
-
-// The remainder of two numbers; whole ones need no library.
-inline double remainder(double a, double b) {
-    const auto wholeA = ESContext::doubleToInt32(a);
-    const auto wholeB = ESContext::doubleToInt32(b);
-    if (wholeA >= 0 && wholeB > 0 && wholeA == a && wholeB == b && (wholeA != 0 || !std::signbit(a))) {
-        return wholeA % wholeB;
-    }
-    return largeRemainder(a, b);
-}
-
-// An element of a dense vector by a number as key; null when it isn't one.
-inline ESValue* denseElement(ESObject* object, const ESValue& key) {
-    if (key.tag != ESTagNumber) {
-        return nullptr;
-    }
-    const std::int32_t index = ESContext::doubleToInt32(key.number);
-    if (static_cast<std::uint32_t>(index) >= object->elements.count() || index != key.number) {
-        return nullptr;
-    }
-    ESValue* element = object->elements.data() + index;
-    return element->tag == ESTagHole ? nullptr : element;
-}
-
-// Appends to an array what comes right behind its last element. False when there is more to it than that.
-inline bool appendElement(ESContext& ctx, ESObject* array, const ESValue& key, const ESValue& v) {
-    ESElements& elements = array->elements;
-    if (array->nativeClass != ctx.arrays || key.tag != ESTagNumber || key.number != elements.count() ||
-        elements.count() >= indexNameWatermark || array->properties.hasIndexNames) {
-        return false;
-    }
-    ESProperty& length = array->properties.at(0);
-    if (length.atom != wellKnownAtoms.length || length.tag != ESTagNumber || length.attributes != 0) {
-        return false;
-    }
-    elements.append(v);
-    if (length.number < elements.count()) {
-        length.number = elements.count();
-    }
-    return true;
-}
-
-double step(double n, ESOpcode op) { return op == OP_PREINCE || op == OP_POSTINCE ? n + 1.0 : n - 1.0; }
-bool givesOld(ESOpcode op) { return op == OP_POSTINCE || op == OP_POSTDECE; }
-
-// The operator on two numbers, for compound assignment to a property.
-bool numberOperator(ESOpcode op, double a, double b, double& result) {
-    switch (op) {
-    case OP_ADD:
-        result = a + b;
-        return true;
-    case OP_SUB:
-        result = a - b;
-        return true;
-    case OP_MUL:
-        result = a * b;
-        return true;
-    case OP_DIV:
-        result = a / b;
-        return true;
-    case OP_BITAND:
-        result = ESContext::doubleToInt32(a) & ESContext::doubleToInt32(b);
-        return true;
-    case OP_BITOR:
-        result = ESContext::doubleToInt32(a) | ESContext::doubleToInt32(b);
-        return true;
-    case OP_BITXOR:
-        result = ESContext::doubleToInt32(a) ^ ESContext::doubleToInt32(b);
-        return true;
-    default:
-        return false;
-    }
-}
-
-// The scope of a call that keeps its variables in an activation: one that an ended call left, or a new one.
-void enterActivation(ESContext& ctx, ESFusedCode& code, const ESValue* args) {
-    if (code.freeNodes.empty()) {
-        pushActivation(ctx, code.block, code.argCount, args);
-        return;
-    }
-    ESObject* node = code.freeNodes.back();
-    code.freeNodes.pop_back();
-    node->prototype = ctx.scope;
-    ESPropertyTable& properties = node->value.object->properties;
-    const auto count = static_cast<std::uint32_t>(code.activationTemplate.size());
-    for (std::uint32_t i = 0; i < count; ++i) {
-        properties.at(i) = code.activationTemplate[i];
-    }
-    for (std::uint32_t i = 0; i < static_cast<std::uint32_t>(code.argCount); ++i) {
-        copyValue(properties.at(i), args[i]);
-    }
-    ctx.scope = node;
-}
-
-// Sets the registers and variables of a script function about to run. Its arguments are complete; those
-// beyond the formals can't be reached, and the caller has counted them.
-inline void enterFunction(ESContext& ctx, ESFusedCode& code, const ESClosure& closure, ESObject* receiver,
-                          ESValue* args) {
-    ctx.spSurplus -= code.uncounted;
-    ctx.scope = closure.scope;
-    ctx.thisObject = receiver;
-    if (code.needsActivation) {
-        enterActivation(ctx, code, args);
-        return;
-    }
-    ESValue* local = args + code.argCount;
-    for (std::int32_t i = 0; i < code.localCount; ++i) {
-        local[i].tag = ESTagUndefined;
-        local[i].bits = 0;
-    }
-}
-
-// `node` was the scope while the function ran.
-inline void leaveFunction(ESFusedCode& code, ESObject* node) {
-    if (code.needsActivation && !isCaptured(node)) {
-        code.freeNodes.push_back(node);
-    }
-}
-
-// Gives the depth of frames back when a run ends, however it ends.
-class FrameGuard {
-public:
-    explicit FrameGuard(ESContext& ctx) : ctx_(ctx), depth_(ctx.frameDepth) {}
-    ~FrameGuard() { ctx_.frameDepth = depth_; }
-    FrameGuard(const FrameGuard&) = delete;
-    FrameGuard& operator=(const FrameGuard&) = delete;
-
-private:
-    ESContext& ctx_;
-    std::int32_t depth_;
-};
-
-// Where a compound assignment or a step found the property, for the next time.
-void rememberOwn(const ESValue& base, ESAtom atom, ESCell& cell) {
-    if (base.isObject() && atom != wellKnownAtoms.length) {
-        if (const ESProperty* slot = base.object->properties.find(atom)) {
-            cell.operand.low = static_cast<std::uint32_t>(slot - &base.object->properties.at(0));
-        }
-    }
-}
-
-// A new object of a constructor, with room for what the constructor gave the ones before.
-ESObject* newFromPrototypeOf(ESContext& ctx, ESObject* constructor) {
-    const ESProperty* slot = guessedOwn(constructor, wellKnownAtoms.prototype, 1);
-    const ESValue prototype =
-        slot != nullptr ? slot->value() : ctx.get(constructor, wellKnownAtoms.prototype);
-    ESObject* made =
-        ctx.newObject(prototype.isObject() ? prototype.object : ctx.objectPrototype, ctx.plainClass);
-    const ESCodeBlock* block = constructor->callClosure->block;
-    if (block != nullptr && block->fused != nullptr) {
-        made->properties.reserve(ctx.arena(), block->fused->propertiesMade);
-    }
-    return made;
-}
 
 const void* const* loop(ESContext* context, ESFusedCode* code);
 
@@ -653,22 +453,23 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         GOTO(A);
         DISPATCH();
     }
-    CASE(JumpTrue)
-        : {JUMP_IF(isTrue(ctx, R(A)), B, JumpTrue)} CASE(JumpFalse)
-        : {JUMP_IF(!isTrue(ctx, R(A)), B, JumpFalse)} COMPARE_AND_JUMP(Less, , a < b, lessThan(ctx, a, b))
-              COMPARE_AND_JUMP(Less, Not, !(a < b), !lessThan(ctx, a, b))
-                  COMPARE_AND_JUMP(LessOrEqual, , a <= b, lessOrEqual(ctx, a, b))
-                      COMPARE_AND_JUMP(LessOrEqual, Not, !(a <= b), !lessOrEqual(ctx, a, b))
-                          COMPARE_NR_AND_JUMP(Less, , a < b, lessThan(ctx, a, b)) COMPARE_NR_AND_JUMP(
-                              Less, Not, !(a < b), !lessThan(ctx, a, b))
-                              COMPARE_NR_AND_JUMP(LessOrEqual, , a <= b, lessOrEqual(ctx, a, b))
-                                  COMPARE_NR_AND_JUMP(LessOrEqual, Not, !(a <= b), !lessOrEqual(ctx, a, b))
-                                      COMPARE_AND_JUMP(Equal, , a == b, looseEquals(ctx, a, b))
-                                          COMPARE_AND_JUMP(Equal, Not, a != b, !looseEquals(ctx, a, b))
-                                              COMPARE_AND_JUMP(Identical, , a == b, strictEquals(a, b))
+    // clang-format off
+    CASE(JumpTrue) : { JUMP_IF(isTrue(ctx, R(A)), B, JumpTrue) }
+    CASE(JumpFalse) : { JUMP_IF(!isTrue(ctx, R(A)), B, JumpFalse) }
+    COMPARE_AND_JUMP(Less, , a < b, lessThan(ctx, a, b))
+    COMPARE_AND_JUMP(Less, Not, !(a < b), !lessThan(ctx, a, b))
+    COMPARE_AND_JUMP(LessOrEqual, , a <= b, lessOrEqual(ctx, a, b))
+    COMPARE_AND_JUMP(LessOrEqual, Not, !(a <= b), !lessOrEqual(ctx, a, b))
+    COMPARE_NR_AND_JUMP(Less, , a < b, lessThan(ctx, a, b))
+    COMPARE_NR_AND_JUMP(Less, Not, !(a < b), !lessThan(ctx, a, b))
+    COMPARE_NR_AND_JUMP(LessOrEqual, , a <= b, lessOrEqual(ctx, a, b))
+    COMPARE_NR_AND_JUMP(LessOrEqual, Not, !(a <= b), !lessOrEqual(ctx, a, b))
+    COMPARE_AND_JUMP(Equal, , a == b, looseEquals(ctx, a, b))
+    COMPARE_AND_JUMP(Equal, Not, a != b, !looseEquals(ctx, a, b))
+    COMPARE_AND_JUMP(Identical, , a == b, strictEquals(a, b));
+    // clang-format on
 
-                                                  CASE(GetField)
-        : {
+    CASE(GetField) : {
         const ESValue& base = R(B);
         if (base.tag == ESTagObject) [[likely]] {
             if (const ESProperty* slot = guessedField(base.object, pc[2].atom, pc[3])) [[likely]] {
@@ -906,7 +707,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         args = &R(B);
         argc = static_cast<std::int32_t>(C);
         ESValue fn;
-        if (D == nothingRemembered) {
+        if (D == thisOperand) {
             receiver = ctx.thisObject;
         } else if (R(D).isObject()) [[likely]] {
             receiver = R(D).object;

@@ -50,3 +50,11 @@ void rememberName(const ESContext& ctx, ESAtom atom, ESCell& cell, std::uint32_t
         slots |= properties.count() << (16 * hops);
     }
 }
+
+void rememberOwn(const ESValue& base, ESAtom atom, ESCell& cell) {
+    if (base.isObject() && atom != wellKnownAtoms.length) {
+        if (const ESProperty* slot = base.object->properties.find(atom)) {
+            cell.operand.low = static_cast<std::uint32_t>(slot - &base.object->properties.at(0));
+        }
+    }
+}

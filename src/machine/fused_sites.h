@@ -5,8 +5,6 @@
 #include "machine/fused_code.h"
 #include "runtime/context.h"
 
-constexpr std::uint32_t nothingRemembered = 0xFFFFFFFF;
-
 // A site's memory: position of the slot, and how many prototypes up it lies.
 inline ESProperty* guessedOwn(ESObject* object, ESAtom atom, std::uint32_t position) {
     ESPropertyTable& properties = object->properties;
@@ -43,6 +41,9 @@ inline const ESProperty* guessedField(ESObject* object, ESAtom atom, const ESCel
 ESValue findField(ESContext& ctx, ESObject* object, ESAtom atom, ESCell& cell);
 // Writes one, the same way.
 void storeField(ESContext& ctx, ESObject* object, ESAtom atom, const ESValue& v, ESCell& cell);
+
+// Where a compound assignment or a step found its property.
+void rememberOwn(const ESValue& base, ESAtom atom, ESCell& cell);
 
 // The slot of a name in an activation some nodes up the scope chain, by the site's memory in `cell`: how
 // many nodes, and the position; null when it doesn't fit. `passed` has the number of slots of the nodes

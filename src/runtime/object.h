@@ -94,12 +94,12 @@ private:
     std::uint32_t* index_ = nullptr; // open addressing, position + 1 by hash; only for many slots
     std::uint64_t mask_ = 0;         // which atoms may be here, a bit each of 64
     std::uint32_t indexSize_ = 0;    // entries of index_, a power of two
-    std::uint32_t dead_ = 0;         // erased slots
-    bool pinned_ = false;
-    bool appended_ = false; // to a pinned table
+    std::uint32_t dead_ : 29 = 0;    // erased slots
+    bool pinned_ : 1 = false;
+    bool appended_ : 1 = false; // to a pinned table
 
 public:
-    bool hasIndexNames = false; // some slot is named by an array index
+    bool hasIndexNames : 1 = false; // some slot is named by an array index
 };
 
 // Elements 0 to count-1 in one vector of values. An absent one is a hole (ESTagHole).
@@ -156,4 +156,4 @@ struct ESObject {
     ESElements elements;
     std::int32_t memberIndex = -1; // a native function's member of its class, -1 for everything else
 };
-static_assert(sizeof(ESObject) <= 128);
+static_assert(sizeof(ESObject) <= 120);
