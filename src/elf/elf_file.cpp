@@ -185,9 +185,9 @@ const ElfSection* ElfFile::findSection(std::string_view name) const {
         if (start > sectionNames_.size() || name.size() > sectionNames_.size() - start) {
             return false;
         }
-        const auto text = sectionNames_.subspan(start);
-        return std::equal(name.begin(), name.end(), text.begin()) &&
-               (text.size() == name.size() || text[name.size()] == 0);
+        const auto rest = sectionNames_.subspan(start);
+        const std::string_view text(reinterpret_cast<const char*>(rest.data()), rest.size());
+        return text.starts_with(name) && (text.size() == name.size() || text[name.size()] == '\0');
     };
     const auto found = std::find_if(sections_.rbegin(), sections_.rend(), isNamed);
     return found == sections_.rend() ? nullptr : &*found;
