@@ -52,9 +52,10 @@ ElfFile::ElfFile(const FilePath& path, std::uint32_t addressOffset) {
 
 void ElfFile::load(const FilePath& path, std::uint32_t addressOffset) {
     clear();
-    switch (readImageFile(path.ascii().constData(), image_)) {
+    ImageBytes image;
+    switch (readImageFile(path.ascii().constData(), image)) {
     case ReadResult::Done:
-        break;
+        return load(std::move(image), path, addressOffset);
     case ReadResult::CannotOpen:
         fail("cannot open ", path);
     case ReadResult::CannotRead:
@@ -62,6 +63,11 @@ void ElfFile::load(const FilePath& path, std::uint32_t addressOffset) {
     case ReadResult::NotElf:
         fail("invalid ELF file: ", path);
     }
+}
+
+void ElfFile::load(ImageBytes image, const FilePath& path, std::uint32_t addressOffset) {
+    clear();
+    image_ = std::move(image);
     try {
         build(addressOffset);
     } catch (const MalformedImage&) {

@@ -56,6 +56,8 @@ public:
     // HException, and is empty then: "cannot open ", "cannot read " or "invalid ELF file: " with the path, or
     // "not a string section" when names lie in a section of another type.
     void load(const FilePath& path, std::uint32_t addressOffset = 0);
+    // The same from memory; the path is for the messages alone.
+    void load(ImageBytes image, const FilePath& path, std::uint32_t addressOffset = 0);
 
     // Writes the image as it is; an empty model makes an empty file. Throws HException "cannot open " or
     // "write read " with the path. What becomes of the old file is told in image_file.h.
