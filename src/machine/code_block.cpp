@@ -1,6 +1,8 @@
 #include "machine/code_block.h"
 
 #include "machine/fused_code.h"
+#include "machine/operators.h"
+#include "runtime/atom.h"
 #include "runtime/context.h"
 
 #include <algorithm>
@@ -106,4 +108,11 @@ std::int32_t codeBlockCount() { return static_cast<std::int32_t>(blockTable().si
 ESCodeBlock* keepCodeBlock(std::unique_ptr<ESCodeBlock> block) {
     keptBlocks().push_back(std::move(block));
     return keptBlocks().back().get();
+}
+
+void forgetAllRuns() {
+    blockTable().clear();
+    keptBlocks().clear();
+    forgetTypeNames();
+    forgetTexts();
 }

@@ -67,3 +67,7 @@ ESCodeBlock* codeBlockAt(std::int32_t index);
 std::int32_t codeBlockCount();
 // Keeps a block that only a closure refers to (the Function constructor's) until the process ends.
 ESCodeBlock* keepCodeBlock(std::unique_ptr<ESCodeBlock> block);
+
+// Puts the process back as it was before its first context, none of which may be left: code blocks, atoms and
+// texts go. For what runs very many scripts in one process, each as if it were the first.
+void forgetAllRuns();

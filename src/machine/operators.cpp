@@ -3,6 +3,7 @@
 #include "machine/code_block.h"
 
 #include <cmath>
+#include <optional>
 
 namespace {
 
@@ -140,27 +141,41 @@ bool looseEquals(ESContext& ctx, ESValue left, ESValue right) {
     return strictEquals(left, right);
 }
 
+namespace {
+
+struct TypeNames {
+    ESAtom undefined = intern("undefined");
+    ESAtom boolean = intern("boolean");
+    ESAtom number = intern("number");
+    ESAtom string = intern("string");
+    ESAtom function = intern("function");
+    ESAtom object = intern("object");
+};
+
+std::optional<TypeNames> typeNames; // interned when a script first asks for one
+
+} // namespace
+
+void forgetTypeNames() { typeNames.reset(); }
+
 ESAtom typeName(const ESValue& v) {
-    static const ESAtom undefinedName = intern("undefined");
-    static const ESAtom booleanName = intern("boolean");
-    static const ESAtom numberName = intern("number");
-    static const ESAtom stringName = intern("string");
-    static const ESAtom functionName = intern("function");
-    static const ESAtom objectName = intern("object");
+    if (!typeNames) {
+        typeNames.emplace();
+    }
     switch (v.tag) {
     case ESTagUndefined:
-        return undefinedName;
+        return typeNames->undefined;
     case ESTagBoolean:
-        return booleanName;
+        return typeNames->boolean;
     case ESTagNumber:
-        return numberName;
+        return typeNames->number;
     case ESTagString:
     case ESTagAtom:
-        return stringName;
+        return typeNames->string;
     case ESTagObject:
-        return v.object->callClosure != nullptr ? functionName : objectName;
+        return v.object->callClosure != nullptr ? typeNames->function : typeNames->object;
     default:
-        return objectName;
+        return typeNames->object;
     }
 }
 

@@ -19,6 +19,8 @@ bool looseEquals(ESContext& ctx, ESValue left, ESValue right);
 // Strict equality; runs nothing.
 bool strictEquals(const ESValue& left, const ESValue& right);
 ESAtom typeName(const ESValue& v);
+// So that typeName() interns its texts anew.
+void forgetTypeNames();
 
 // A property of any value: a primitive is wrapped for the occasion. May run script through nothing but keys.
 ESValue getField(ESContext& ctx, const ESValue& base, ESAtom atom);

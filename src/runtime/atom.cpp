@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <memory>
 #include <vector>
 
 WellKnownAtoms wellKnownAtoms;
@@ -267,6 +268,16 @@ std::uint32_t indexNameOrder(std::uint32_t index) {
         return atom->order;
     }
     return atoms().orderInRuns(index);
+}
+
+void forgetTexts() {
+    ESAtomTable& table = atoms();
+    std::destroy_at(&table);
+    std::destroy_at(&textArena());
+    std::construct_at(&textArena());
+    lastTextOrder = 0;
+    indexNameWatermark = 100;
+    std::construct_at(&table);
 }
 
 void internWellKnownAtoms() {

@@ -52,6 +52,9 @@ inline void noteIndexName(std::uint32_t index) {
 void noteIndexNames(std::uint32_t count); // 0 to count - 1, in order
 std::uint32_t indexNameOrder(std::uint32_t index);
 
+// Puts the process's texts back as they were at its start: what forgetAllRuns() of the machine needs.
+void forgetTexts();
+
 // The words that the engine compares against.
 struct WellKnownAtoms {
     ESAtom length, prototype, null_, true_, false_, eval, arguments, callee, constructor, index;
