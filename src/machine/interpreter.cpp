@@ -4,6 +4,9 @@
 // 3. linePlace is set before every instruction: whoever raises an error finds its line.
 // 4. Nothing is restored after a throw; evaluate() does that.
 // 5. Pushes aren't tested: a block's depth is known, and the stack has room for it behind every call.
+// 6. What an operator still needs when it may have run script is handed to it as a copy: a run writes over
+// aux
+//    and over the entries from sp on. Only acc is kept for it.
 #include "machine/interpreter.h"
 
 #include "machine/code_block.h"
@@ -239,11 +242,12 @@ void executeBytes(ESContext& ctx, ESCodeBlock& block) {
             putName(ctx, atomAt(first()), ctx.acc);
             POP();
             break;
-        case OP_PUTF:
-            ctx.aux = ctx.stack[--ctx.sp];
-            putField(ctx, ctx.acc, atomAt(first()), ctx.aux);
+        case OP_PUTF: {
+            const ESValue v = ctx.stack[--ctx.sp];
+            putField(ctx, ctx.acc, atomAt(first()), v);
             POP();
             break;
+        }
         case OP_PUTG:
             global().setValue(ctx.acc);
             POP();
@@ -264,11 +268,14 @@ void executeBytes(ESContext& ctx, ESCodeBlock& block) {
             localInMemory().setValue(ctx.acc);
             POP();
             break;
-        case OP_PUTX:
+        case OP_PUTX: {
             ctx.sp -= 2;
-            putIndexed(ctx, ctx.stack[ctx.sp + 1], ctx.acc, ctx.stack[ctx.sp]);
+            const ESValue base = ctx.stack[ctx.sp + 1];
+            const ESValue v = ctx.stack[ctx.sp];
+            putIndexed(ctx, base, ctx.acc, v);
             POP();
             break;
+        }
 
         case OP_ADD:
         case OP_SUB:
@@ -294,10 +301,13 @@ void executeBytes(ESContext& ctx, ESCodeBlock& block) {
         case OP_BITXORX:
         case OP_SHLX:
         case OP_SHRX:
-        case OP_USHRX:
+        case OP_USHRX: {
             ctx.sp -= 2;
-            ctx.acc = compoundIndexed(ctx, opcode, ctx.stack[ctx.sp + 1], ctx.acc, ctx.stack[ctx.sp]);
+            const ESValue base = ctx.stack[ctx.sp + 1];
+            const ESValue right = ctx.stack[ctx.sp];
+            ctx.acc = compoundIndexed(ctx, opcode, base, ctx.acc, right);
             break;
+        }
 
         case OP_INCG:
         case OP_DECG:

@@ -28,6 +28,13 @@ var s = "5";
 var old = s++; WScript.Echo(typeof old + " " + s + "\n");
 o.k = "5";
 old = o.k++; WScript.Echo(typeof old + " " + o.k + " " + (--o["k"]) + " " + (o.k--) + " " + o.k + "\n");
+// Converting the key runs script, while the value waits.
+var key = {toString: function () { return n("k", "key"); }};
+var keyed = {};
+keyed[key] = 5;
+keyed[key] += 2; WScript.Echo(keyed.key + "\n");
+var list = [1, 2, 3];
+list.length = {valueOf: function () { return n("v", 2); }}; WScript.Echo(list.length + "\n");
 // expect: arithmetic: abc
 // expect: comparison: abdcfeg
 // expect: logic: ac
@@ -45,3 +52,5 @@ old = o.k++; WScript.Echo(typeof old + " " + o.k + " " + (--o["k"]) + " " + (o.k
 // expect: 6
 // expect: string 6
 // expect: number 6 5 5 4
+// expect: 7
+// expect: 2
