@@ -3,6 +3,7 @@
 //    thisObject, spSurplus. The context's sp and linePlace are set by SYNC() before anything is called that
 //    may raise or run script; acc and frame of the context play no part.
 // 2. Operands that are passed on are copied first: what is called may use the stack from the context's sp on.
+//    Only the steps have something there, and see to it.
 // 3. A script call doesn't recurse: it saves an ESFusedFrame and goes on. Natives recurse through call().
 // 4. Nothing is restored after a throw but the depth of frames (FrameGuard); evaluate() does the rest.
 // 5. A remembered position is a guess: the slot's atom verifies it, and a miss finds it anew.
@@ -22,6 +23,13 @@
 #endif
 
 namespace {
+
+// For a step, which takes nothing from the stack: what runs keeps acc at the context's sp, where the top
+// lies.
+void toNumberBesideTop(ESContext& ctx, ESValue& v) {
+    ctx.acc = ctx.stack[ctx.sp];
+    ctx.toNumber(v);
+}
 
 const void* const* loop(ESContext* context, ESFusedCode* code);
 
@@ -322,7 +330,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         if (place.tag != ESTagNumber) [[unlikely]] {
             SYNC();
             ESValue v = place;
-            ctx.toNumber(v);
+            toNumberBesideTop(ctx, v);
             place = v;
         }
         place.number += static_cast<std::int32_t>(B);
@@ -332,7 +340,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         if (ctx.globalObject->properties.at(A).tag != ESTagNumber) [[unlikely]] {
             SYNC();
             ESValue v = ctx.globalObject->properties.at(A).value();
-            ctx.toNumber(v);
+            toNumberBesideTop(ctx, v);
             ctx.globalObject->properties.at(A).setValue(v);
         }
         ctx.globalObject->properties.at(A).number += static_cast<std::int32_t>(B);
@@ -343,7 +351,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         if (activation->properties.at(A).tag != ESTagNumber) [[unlikely]] {
             SYNC();
             ESValue v = activation->properties.at(A).value();
-            ctx.toNumber(v);
+            toNumberBesideTop(ctx, v);
             activation->properties.at(A).setValue(v);
         }
         activation->properties.at(A).number += static_cast<std::int32_t>(B);

@@ -35,6 +35,16 @@ keyed[key] = 5;
 keyed[key] += 2; WScript.Echo(keyed.key + "\n");
 var list = [1, 2, 3];
 list.length = {valueOf: function () { return n("v", 2); }}; WScript.Echo(list.length + "\n");
+// So does stepping a variable, while its old value waits.
+function seven() { return {valueOf: function () { return n("s", 7); }}; }
+function stepped(argument) {
+    var local = seven(), kept = function () { return local + argument; };
+    var of_argument = argument++, of_local = local++;
+    return typeof of_argument + " " + typeof of_local + " " + kept();
+}
+function plain(argument) { var old = argument--; return typeof old + " " + argument; }
+var global = seven(), of_global = 1 + (2, global++);
+WScript.Echo(stepped(seven()) + " " + plain(seven()) + " " + of_global + " " + global + "\n");
 // expect: arithmetic: abc
 // expect: comparison: abdcfeg
 // expect: logic: ac
@@ -54,3 +64,4 @@ list.length = {valueOf: function () { return n("v", 2); }}; WScript.Echo(list.le
 // expect: number 6 5 5 4
 // expect: 7
 // expect: 2
+// expect: object object 16 object 6 8 8
