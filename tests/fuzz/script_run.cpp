@@ -26,7 +26,7 @@
 #endif
 
 #ifdef QUORVANE_METERED
-#include <sanitizer/allocator_interface.h>
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes(); // g++ has no header for it
 
 // No single piece of memory is larger, whatever a script asks for: the engine meets std::bad_alloc instead.
 extern "C" const char* __asan_default_options();
@@ -34,14 +34,16 @@ extern "C" const char* __asan_default_options() {
     return "allocator_may_return_null=1:max_allocation_size_mb=64:detect_stack_use_after_return=0";
 }
 
-// The sanitizers' own operator new would end the process.
-void* operator new(std::size_t size) {
+static void* allocate(std::size_t size) {
     if (void* memory = std::malloc(size != 0 ? size : 1)) {
         return memory;
     }
     throw std::bad_alloc();
 }
-void* operator new[](std::size_t size) { return operator new(size); }
+
+// The sanitizers' own operator new would end the process.
+void* operator new(std::size_t size) { return allocate(size); }
+void* operator new[](std::size_t size) { return allocate(size); }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     return std::malloc(size != 0 ? size : 1);
 }
