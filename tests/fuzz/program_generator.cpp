@@ -111,11 +111,14 @@ std::string quoted(const std::string& text) {
 } // namespace
 
 std::string ProgramGenerator::program() {
-    text_ = prelude;
+    std::string program = prelude;
     while (!choices_.isEmpty()) {
         statement(mostDepth);
+        // An error ends a text, and most statements have one; eval drops it.
+        const std::string text = std::exchange(text_, std::string());
+        program += choices_.oneIn(8) ? text : "eval(" + quoted(text) + ");\n";
     }
-    return text_ + epilogue;
+    return program + epilogue;
 }
 
 void ProgramGenerator::statement(int depth) {
@@ -336,8 +339,10 @@ std::string ProgramGenerator::call(int depth) {
         return name() + ".f(" + arguments(depth) + ")";
     case 2:
         return functionExpression(depth) + "(" + arguments(depth) + ")";
-    default:
+    case 3:
         return name() + "(" + arguments(depth) + ")";
+    default:
+        return std::string(pick({"f", "g", "show"})) + "(" + arguments(depth) + ")";
     }
 }
 
