@@ -22,6 +22,7 @@ import sys
 import tempfile
 import zlib
 from pathlib import Path
+from xml.etree import ElementTree
 
 ROOT = Path(__file__).resolve().parent.parent
 IMAGES = ["firmware.elf", "firmware-be.elf"]
@@ -297,6 +298,32 @@ def test_release():
         fails("release.js", reason, files=wrong, to="elsewhere")
     equal(Path("elsewhere").exists(), False, "half a release")
     fails("release.js", "cannot make", to="firmware.elf")
+
+
+def test_memory_map():
+    """The words, gaps and addresses of the picture, and that the documents show the one that is made now."""
+    for source in reversed(IMAGES):
+        subprocess.run(WRAPPER + [PROGRAM, "-define", "input=" + source, "-define", "output=stamped.elf",
+                                  "-define", "version=1.2.3", "-load", "examples/stamp.js"], check=True,
+                       stdout=subprocess.DEVNULL)
+        succeeds("memory_map.js", original=source)
+        texts = [element.text or "" for element in ElementTree.parse("memory_map.svg").iter()]
+        image = Image("stamped.elf")
+        for _, _, virtual, physical, stored, size, *_ in image.segments:
+            equal("0x%08X" % (physical if stored else virtual) in texts, True, "%x in %s" % (physical, texts))
+            equal("%d bytes" % size in texts, True, "%d bytes in %s" % (size, texts))
+        stored = sum(min(entry[3] + entry[4], SLOT) - entry[3] for entry in image.segments if entry[4])
+        gap = "{:,} bytes".format(SLOT - START - stored)
+        equal([text for text in texts if text.startswith(gap)], [gap, gap + " of gaps read"], "gaps in %s" % texts)
+        crc = "0x%08X" % KINDS["bzip2"](image.flash())
+        equal(re.findall(r"CRC-32 (\w+)|>(0x\w+)</tspan>", Path("memory_map.svg").read_text()),
+              [("", "0x00010203"), ("", crc), (crc, "")], "words changed and the checksum of " + source)
+    equal(Path("memory_map.svg").read_text() == (ROOT / "docs/pictures/memory_map.svg").read_text(), True,
+          "docs/pictures/memory_map.svg is what memory_map.js makes now")
+
+    fails("memory_map.js", "checksum in board::imageCrc", image=IMAGES[0])
+    fails("memory_map.js", "not the same image", original="examples/firmware/Makefile")
+    fails("memory_map.js", "cannot write none/map.svg", picture="none/map.svg")
 
 
 def test_hex_files():
