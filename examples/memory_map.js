@@ -136,7 +136,8 @@ function flashBlocks(segments, before, after, names) {
     for (i = 0; i < stored.length; i++) {
         var end = i == 0 ? stored[0].address : stored[i - 1].address + stored[i - 1].size;
         if (stored[i].address > end) {
-            blocks.push({ kind: "gap", address: end, size: stored[i].address - end, name: "gap, erased flash", words: [] });
+            blocks.push({ kind: "gap", address: end, size: stored[i].address - end, name: "gap, erased flash",
+                          words: [] });
         }
         blocks.push(stored[i]);
     }
