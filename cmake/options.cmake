@@ -4,6 +4,7 @@ option(QUORVANE_WERROR "Warnings are errors" ON)
 option(QUORVANE_LTO "Optimise across files when linking" OFF)
 option(QUORVANE_TINY_LIMITS "Smallest slabs and growth steps, so that tests meet every boundary" OFF)
 option(QUORVANE_COVERAGE "Count what the tests reach (gcov)" OFF)
+option(QUORVANE_BENCHMARKS "Build what bench/micro measures and bench/images.py compares with" OFF)
 option(QUORVANE_FUZZ "Build the fuzz targets of tests/fuzz (needs clang)" OFF)
 set(QUORVANE_SANITIZE "" CACHE STRING "Sanitizers to build with, for example address,undefined")
 
