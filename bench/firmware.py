@@ -1,0 +1,81 @@
+"""Makes 32-bit little-endian ELF images of any size for growth.py and images.py, and measures programs."""
+import collections
+import os
+import struct
+import subprocess
+import time
+
+CODE_BASE = 0x08000000
+
+
+def cpp_names(count):
+    """Mangled names of `count` functions, some 40 characters each, as they come from classes in namespaces.
+
+    A class has 16 of them, and every member name is that of many classes.
+    """
+    for i in range(count):
+        space, kind, member = "board%d" % (i % 7), "Device%d" % (i // 16), "transfer%d" % (i % 4099)
+        yield "_ZN%d%s%d%s%d%sEPKhj" % (len(space), space, len(kind), kind, len(member), member)
+
+
+# The demangled form of name i of cpp_names, as an expression of a script.
+CPP_TEXT = "'board' + i % 7 + '::Device' + (i >> 4) + '::transfer' + i % 4099 + '(unsigned char const*, unsigned int)'"
+
+
+def write_image(path, names, segments=((CODE_BASE, b"\0" * 256),)):
+    """Writes an image with a function symbol for each name and a program header for each (address, bytes)."""
+    body = bytearray(52 + 32 * len(segments))
+    at = 52
+    for address, content in segments:
+        struct.pack_into("<8I", body, at, 1, len(body), address, address, len(content), len(content), 5, 4)
+        body += content + b"\0" * (-len(content) % 4)
+        at += 32
+    strings = bytearray(b"\0")
+    symbols = bytearray(16)
+    for i, name in enumerate(names):
+        symbols += struct.pack("<3I2BH", len(strings), CODE_BASE + 4 * i + 1, 4, 0x12, 0, 1)
+        strings += name.encode() + b"\0"
+    strings += b"\0" * (-len(strings) % 4)
+    section_names = b"\0.text\0.symtab\0.strtab\0.shstrtab\0\0\0\0"
+    headers = struct.pack("<10I", *[0] * 10)
+    # Name, type, size of an entry, content.
+    for name, kind, link, entry, content in ((1, 1, 0, 0, b""), (7, 2, 3, 16, symbols), (15, 3, 0, 0, strings),
+                                       (23, 3, 0, 0, section_names)):
+        headers += struct.pack("<10I", name, kind, 0, 0, len(body), len(content), link, 0, 4, entry)
+        body += content
+    struct.pack_into("<16s2H5I6H", body, 0, b"\x7fELF\1\1\1", 2, 40, 1, CODE_BASE, 52, len(body), 0x05000200,
+                     52, 32, len(segments), 40, 5, 4)
+    path.write_bytes(body + headers)
+
+
+Times = collections.namedtuple("Times", "user cpu wall")  # seconds of one process; cpu is user and system
+
+
+def run(command, expected=None):
+    """Runs a command and gives its times. Ends the program if it fails or does not print `expected`."""
+    start = time.perf_counter()
+    read_end, write_end = os.pipe()
+    null = os.open(os.devnull, os.O_RDWR)
+    child = os.posix_spawn(command[0], command, os.environ, file_actions=[
+        (os.POSIX_SPAWN_DUP2, null, 0), (os.POSIX_SPAWN_DUP2, write_end, 1), (os.POSIX_SPAWN_DUP2, write_end, 2)])
+    os.close(null)
+    os.close(write_end)
+    with os.fdopen(read_end) as pipe:
+        printed = pipe.read()
+    _, status, usage = os.wait4(child, 0)
+    wall = time.perf_counter() - start
+    if status != 0 or (expected is not None and printed != expected):
+        raise SystemExit("%s: status %d, printed %r" % (" ".join(command), status, printed[:300]))
+    return Times(usage.ru_utime, usage.ru_utime + usage.ru_stime, wall)
+
+
+def instructions(command, report, expected=None):
+    """The same in instructions of user code, or None where the machine does not count them."""
+    counted = subprocess.run(["perf", "stat", "-x,", "-e", "instructions:u", "-o", str(report), "--"] + command,
+                             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+    if counted.returncode != 0 or (expected is not None and counted.stdout != expected):
+        raise SystemExit("%s: status %d, printed %r" % (" ".join(command), counted.returncode, counted.stdout[:300]))
+    for line in report.read_text().splitlines():
+        if "instructions" in line and line.split(",")[0].isdigit():
+            return int(line.split(",")[0])
+    return None
