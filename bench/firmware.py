@@ -48,7 +48,7 @@ def write_image(path, names, segments=((CODE_BASE, b"\0" * 256),)):
     path.write_bytes(body + headers)
 
 
-Times = collections.namedtuple("Times", "user cpu wall")  # seconds of one process; cpu is user and system
+Times = collections.namedtuple("Times", "cpu wall")  # seconds of one process; cpu is user and system
 
 
 def run(command, expected=None):
@@ -66,7 +66,7 @@ def run(command, expected=None):
     wall = time.perf_counter() - start
     if status != 0 or (expected is not None and printed != expected):
         raise SystemExit("%s: status %d, printed %r" % (" ".join(command), status, printed[:300]))
-    return Times(usage.ru_utime, usage.ru_utime + usage.ru_stime, wall)
+    return Times(usage.ru_utime + usage.ru_stime, wall)
 
 
 def instructions(command, report, expected=None):

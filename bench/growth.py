@@ -5,7 +5,7 @@ usage: growth.py [--quorvane PATH] [--cpu] [case ...]
 
 Every case runs at three sizes, and its cost is that of the process less that of
 an empty script: instructions of user code where perf counts them, else (or with
---cpu) the best of three of the user CPU seconds. Between two sizes the cost may
+--cpu) the best of three CPU times, system included. Between two sizes the cost may
 grow as n log n does, with generous slack: 6 times for 4 times the work; 8 times
 for a sort, which is a Shell sort because scripts see the order of comparisons.
 A step that takes more is marked, and makes the exit status 1. A case is named
@@ -198,7 +198,7 @@ class Meter:
         self.in_seconds = in_seconds or not shutil.which("perf")
         if not self.in_seconds and self.count("", "") is None:
             self.in_seconds = True
-        self.unit = "ms of user CPU" if self.in_seconds else "millions of instructions"
+        self.unit = "ms of CPU time" if self.in_seconds else "millions of instructions"
         self.empty = 0
         self.empty = self.cost("", "")
 
@@ -211,7 +211,7 @@ class Meter:
         if not self.in_seconds:
             return self.count(script, expected) / 1e6 - self.empty
         (self.folder / "case.js").write_text(script)
-        runs = [firmware.run(self.command + ["case.js"], expected).user for _ in range(3)]
+        runs = [firmware.run(self.command + ["case.js"], expected).cpu for _ in range(3)]
         return min(runs) * 1e3 - self.empty
 
 
@@ -234,8 +234,8 @@ def main():
             if options.case and not any(part in case for part in options.case):
                 continue
             costs = [meter.cost(*prepare(n)) for n in sizes]
-            # A tenth of the empty script is noise, and divides nothing.
-            floor = meter.empty / 10
+            # What is below this is noise, and divides nothing.
+            floor = meter.empty if meter.in_seconds else meter.empty / 10
             slack = SORT_SLACK if case.startswith("sort") else SLACK
             steps = [(max(b, floor) / max(a, floor), (m / n) ** slack)
                      for a, b, n, m in zip(costs, costs[1:], sizes, sizes[1:])]
