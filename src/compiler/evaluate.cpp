@@ -1,7 +1,7 @@
 // Compile and run: where compiler and machine meet.
 #include "compiler/compilation.h"
-#include "compiler/native_stack.h"
 #include "runtime/context.h"
+#include "runtime/native_stack.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 #include "compiler/code_generator.h"
 
 #include "compiler/name_forms.h"
-#include "compiler/native_stack.h"
 #include "runtime/context.h"
+#include "runtime/native_stack.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // What both halves of the grammar use.
 #include "compiler/parser.h"
 
-#include "compiler/native_stack.h"
+#include "runtime/native_stack.h"
 
 namespace {
 

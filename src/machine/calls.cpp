@@ -6,6 +6,7 @@
 #include "machine/interpreter.h"
 #include "machine/operators.h"
 #include "runtime/context.h"
+#include "runtime/native_stack.h"
 
 #include <algorithm>
 
@@ -20,7 +21,8 @@ void ESContext::execute(ESCodeBlock* block) {
 }
 
 void ESContext::call(ESObject* fn, ESObject* receiver, std::int32_t argc) {
-    if (sp + spSurplus > stackSize) {
+    // A conversion within a conversion leaves few entries, and hundreds of bytes.
+    if (sp + spSurplus > stackSize || nativeStackLow()) {
         stackTooSmall();
     }
     const ESClosure* closure = fn->callClosure;
