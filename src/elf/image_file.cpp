@@ -17,6 +17,8 @@
 #include <elf.h>
 #include <limits>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -163,7 +165,7 @@ public:
             std::string name = nameTemplate();
             fd_ = UniqueFd(mkostemp(name.data(), O_CLOEXEC));
             if (fd_.isOpen()) {
-                name_ = name;
+                name_ = std::move(name); // a copy could fail, and the file would stay
             }
         }
         return fd_.isOpen();
@@ -193,7 +195,7 @@ private:
                 return false;
             }
             if (linkat(AT_FDCWD, link.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) {
-                name_ = name;
+                name_ = std::move(name);
                 return true;
             }
             if (errno != EEXIST) {
@@ -259,18 +261,17 @@ WriteResult replaceFile(const std::string& target, const struct stat* old,
 
 // Where a path leads in the end, or the empty text.
 std::string resolved(const std::string& path) {
-    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), &std::free);
-    return real ? std::string(real.get()) : std::string();
+    std::array<char, PATH_MAX> real;
+    return realpath(path.c_str(), real.data()) != nullptr ? std::string(real.data()) : std::string();
 }
 
 bool groupCanStay(const struct stat& old) {
     if (geteuid() == 0 || old.st_gid == getegid()) {
         return true;
     }
-    std::array<gid_t, NGROUPS_MAX> groups;
+    std::vector<gid_t> groups(static_cast<std::size_t>(std::max(getgroups(0, nullptr), 0)));
     const int count = getgroups(static_cast<int>(groups.size()), groups.data());
-    return count > 0 &&
-           std::find(groups.begin(), groups.begin() + count, old.st_gid) != groups.begin() + count;
+    return count > 0 && std::find(groups.begin(), groups.end(), old.st_gid) != groups.end();
 }
 
 } // namespace
