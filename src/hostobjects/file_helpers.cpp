@@ -1,7 +1,5 @@
 #include "hostobjects/file_helpers.h"
 
-#include "hostobjects/unique_fd.h"
-
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -9,11 +7,13 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <memory>
+#include <span>
 
 QString programDir;
 QString rootDir;
@@ -31,6 +31,15 @@ UniqueFd openDescriptor(const char* path, int flags, mode_t mode) {
         fd = open(path, flags | O_CLOEXEC, mode);
     } while (fd < 0 && errno == EINTR);
     return UniqueFd(fd);
+}
+
+UniqueFd openFile(const QString& path, int flags) {
+    UniqueFd fd = openDescriptor(path.toLatin1().constData(), flags, 0666);
+    struct stat status {};
+    if (fd.isOpen() && (fstat(fd.get(), &status) != 0 || S_ISDIR(status.st_mode))) {
+        fd.close();
+    }
+    return fd;
 }
 
 QString removeSteps(const QString& path) {
@@ -62,38 +71,21 @@ QString removeSteps(const QString& path) {
     return cleaned;
 }
 
-bool writeAll(int fd, const char* bytes, std::size_t count) {
-    while (count > 0) {
-        const ssize_t written = write(fd, bytes, count);
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written <= 0) {
-            return false;
-        }
-        bytes += written;
-        count -= static_cast<std::size_t>(written);
-    }
-    return true;
-}
-
-bool copyContent(int source, int target) {
+bool copyContent(int source, int target, std::span<char> block) {
     // The kernel can often copy without the bytes passing through here. Where it can't, or stops early, the
     // loop below takes up at the same place and finds the true end or the true failure.
     constexpr std::size_t kernelPiece = std::size_t{1} << 30;
     while (copy_file_range(source, nullptr, target, nullptr, kernelPiece, 0) > 0) {
     }
-    constexpr std::size_t blockSize = 0x20000;
-    const auto block = std::make_unique<char[]>(blockSize);
     for (;;) {
-        const ssize_t count = read(source, block.get(), blockSize);
+        const ssize_t count = read(source, block.data(), block.size());
         if (count == 0) {
             return true;
         }
         if (count < 0 && errno == EINTR) {
             continue;
         }
-        if (count < 0 || !writeAll(target, block.get(), static_cast<std::size_t>(count))) {
+        if (count < 0 || !writeAll(target, block.data(), static_cast<std::size_t>(count))) {
             return false;
         }
     }
@@ -121,8 +113,6 @@ QString cleanPath(const QString& path) {
     return cleaned;
 }
 
-QString systemPath(const QString& path) { return QFile::decodeName(path.toLatin1()); }
-
 bool fileExists(const QString& path) {
     struct stat status {};
     return stat(path.toLatin1().constData(), &status) == 0;
@@ -139,18 +129,41 @@ std::uint64_t fileSize(const QString& path) {
     return static_cast<std::uint64_t>(status.st_size);
 }
 
-bool openFile(QFile& file, const QString& path, QIODevice::OpenMode mode) {
-    const bool writes = mode.testFlag(QIODevice::WriteOnly);
-    const int flags = writes ? O_WRONLY | O_CREAT | O_TRUNC : O_RDONLY;
-    UniqueFd fd = openDescriptor(path.toLatin1().constData(), flags, 0666);
-    struct stat status {};
-    if (!fd.isOpen() || fstat(fd.get(), &status) != 0 || S_ISDIR(status.st_mode)) {
-        return false;
+UniqueFd openForReading(const QString& path) { return openFile(path, O_RDONLY); }
+
+UniqueFd openForWriting(const QString& path) { return openFile(path, O_WRONLY | O_CREAT | O_TRUNC); }
+
+QByteArray readUpTo(int fd, std::size_t most) {
+    constexpr qsizetype step = 64 * 1024;
+    QByteArray bytes;
+    qsizetype used = 0;
+    for (;;) {
+        const qsizetype wanted = std::min(static_cast<qsizetype>(most), used + step + used / 2);
+        bytes.resize(wanted);
+        const ssize_t count = read(fd, bytes.data() + used, static_cast<std::size_t>(wanted - used));
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
+            bytes.truncate(used);
+            return bytes;
+        }
+        used += count;
     }
-    if (!file.open(fd.get(), mode, QFileDevice::AutoCloseHandle)) {
-        return false;
+}
+
+bool writeAll(int fd, const char* bytes, std::size_t count) {
+    while (count > 0) {
+        const ssize_t written = write(fd, bytes, count);
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return false;
+        }
+        bytes += written;
+        count -= static_cast<std::size_t>(written);
     }
-    fd.release();
     return true;
 }
 
@@ -178,8 +191,12 @@ bool copyFile(const QString& source, const QString& destination, bool createDire
         toStatus.st_ino == fromStatus.st_ino) {
         return false;
     }
+    // Made while the target is still whole.
+    constexpr std::size_t blockSize = 0x20000;
+    const auto block = std::make_unique<char[]>(blockSize);
     UniqueFd to = openDescriptor(target.constData(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    if (!to.isOpen() || fstat(to.get(), &toStatus) != 0 || !copyContent(from.get(), to.get())) {
+    if (!to.isOpen() || fstat(to.get(), &toStatus) != 0 ||
+        !copyContent(from.get(), to.get(), {block.get(), blockSize})) {
         return false;
     }
     // A device or pipe that a file is copied into keeps its own mode.

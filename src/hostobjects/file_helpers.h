@@ -1,17 +1,19 @@
 // Files and directories as the host objects see them: copying with times and mode, making directories with
 // their parents, and the cleaned path value that the image model takes. Paths are Latin-1 text whose
 // characters are the very bytes of the name, so every function here hands `toLatin1()` to the system and no
-// locale comes between. Nothing here throws or prints; a failure shows in the result alone.
+// locale comes between. Nothing here prints; a failure shows in the result alone, but for std::bad_alloc.
+// QFile and QTextStream aren't used to read and write: they don't outlive an allocation that fails.
 #pragma once
 
+#include "hostobjects/unique_fd.h"
+
 #include <QByteArray>
-#include <QIODevice>
 #include <QString>
 
+#include <cstddef>
 #include <cstdint>
 
 class QDir;
-class QFile;
 
 // The path text without "." and ".." steps and doubled slashes, by text alone: links are not looked at.
 // A first component without a leading slash is never removed ("ab/../c" stays), nor is a step up from the
@@ -34,20 +36,22 @@ private:
     QString text_;
 };
 
-// The path in the form that QFile and its kin turn back into the bytes of `path`. Names that are not UTF-8
-// have no such form: where that matters, use openFile.
-QString systemPath(const QString& path);
-
 // Whether the path leads to something; a symbolic link counts as what it points to.
 bool fileExists(const QString& path);
 
 // The bytes in a file; 0 for what can't be opened for reading and for everything that is no regular file.
 std::uint64_t fileSize(const QString& path);
 
-// Opens `file` on the file with exactly the bytes of `path` as its name. With WriteOnly a missing file is
-// made (0666 less the umask) and old content is dropped. A directory doesn't open. The descriptor is closed
-// on exec and belongs to `file`. False when it could not be opened.
-bool openFile(QFile& file, const QString& path, QIODevice::OpenMode mode);
+// Opens the file with exactly the bytes of `path` as its name. For writing a missing file is made (0666 less
+// the umask) and old content is dropped. A directory doesn't open. The descriptor is closed on exec; it isn't
+// open when that failed.
+UniqueFd openForReading(const QString& path);
+UniqueFd openForWriting(const QString& path);
+
+// Reads to the end, or until there are `most` bytes or reading fails.
+QByteArray readUpTo(int fd, std::size_t most);
+// False when not all could be written.
+bool writeAll(int fd, const char* bytes, std::size_t count);
 
 // Copies the bytes, then the access and modification times and the mode less the umask. A destination that is
 // a directory gets a file of the source's name in it. With `createDirectory` the missing parents of

@@ -5,8 +5,10 @@
 #include "hostobjects/process_runner.h"
 #include "runtime/context.h"
 
-#include <QFile>
-#include <QTextStream>
+#include <QStringDecoder>
+#include <QStringEncoder>
+
+#include <sys/stat.h>
 
 #include <cstdio>
 #include <vector>
@@ -79,47 +81,53 @@ bool renameFile(const QString& oldPath, const QString& newPath) {
 // argument.
 
 bool writeStringToFile(ESContext& ctx, const ESValue* argv) {
-    QFile file;
-    if (!openFile(file, ctx.toString(argv[0]), QIODevice::WriteOnly | QIODevice::Text)) {
+    const UniqueFd file = openForWriting(ctx.toString(argv[0]));
+    if (!file.isOpen()) {
         return false;
     }
-    QTextStream(&file) << ctx.toString(argv[1]);
+    const QByteArray bytes = QStringEncoder(QStringConverter::Utf8)(ctx.toString(argv[1]));
+    writeAll(file.get(), bytes.constData(), static_cast<std::size_t>(bytes.size()));
     return true;
 }
 
 bool writeByteArrayToFile(ESContext& ctx, const ESValue* argv) {
-    QFile file;
-    if (!openFile(file, ctx.toString(argv[0]), QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+    const UniqueFd file = openForWriting(ctx.toString(argv[0]));
+    if (!file.isOpen()) {
         return false;
     }
     const std::vector<std::uint8_t> bytes = ctx.arrayToBytes(argv[1]);
-    if (!bytes.empty()) {
-        file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
-    }
+    writeAll(file.get(), reinterpret_cast<const char*>(bytes.data()), bytes.size());
     return true;
 }
 
+// UTF-8, unless a mark at the beginning says otherwise. Carriage returns are left out.
 ESValue readStringFromFile(ESContext& ctx, const QString& path) {
-    QFile file;
-    if (!openFile(file, path, QIODevice::ReadOnly | QIODevice::Text)) {
+    constexpr std::size_t mostBytes = 4 * std::size_t{ESText::maxLength}; // none of more makes a text
+    const UniqueFd file = openForReading(path);
+    if (!file.isOpen()) {
         return undefinedValue();
     }
-    return ctx.newString(QTextStream(&file).readAll());
+    const QByteArray bytes = readUpTo(file.get(), mostBytes);
+    const auto encoding = QStringConverter::encodingForData(bytes).value_or(QStringConverter::Utf8);
+    QString text = QStringDecoder(encoding)(bytes);
+    text.remove(u'\r');
+    return ctx.newString(text);
 }
 
 ESValue readByteArrayFromFile(ESContext& ctx, const QString& path) {
-    constexpr qint64 mostBytes = 0x40000000; // arrays end there
-    QFile file;
-    if (!openFile(file, path, QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+    constexpr std::uint64_t mostBytes = 0x40000000; // arrays end there
+    const UniqueFd file = openForReading(path);
+    struct stat status {};
+    if (!file.isOpen() || fstat(file.get(), &status) != 0) {
         return undefinedValue();
     }
-    const qint64 size = file.size();
+    const auto size = static_cast<std::uint64_t>(status.st_size);
     if (size > mostBytes) {
         ctx.raiseRangeError("length too large");
     }
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size));
-    const qint64 count = size > 0 ? file.read(reinterpret_cast<char*>(bytes.data()), size) : 0;
-    return ctx.bytesToArray(bytes.data(), count > 0 ? static_cast<std::size_t>(count) : 0);
+    const QByteArray bytes = readUpTo(file.get(), static_cast<std::size_t>(size));
+    return ctx.bytesToArray(reinterpret_cast<const std::uint8_t*>(bytes.constData()),
+                            static_cast<std::size_t>(bytes.size()));
 }
 
 ESValue crc32(ESContext& ctx, const ESValue& array) {

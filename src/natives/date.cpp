@@ -3,12 +3,12 @@
 #include "runtime/context.h"
 
 #include <QDate>
-#include <QDateTime>
 #include <QString>
 #include <QTime>
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <ctime>
 #include <limits>
 
 namespace {
@@ -170,8 +170,15 @@ double toTimeValue(const WallClock& clock) {
 }
 
 double presentTime() {
-    const QDateTime now = QDateTime::currentDateTime();
-    return toTimeValue({now.date(), now.time()});
+    // Not by QDateTime, which doesn't outlive an allocation that fails.
+    timespec now{};
+    std::tm local{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    tzset();
+    localtime_r(&now.tv_sec, &local);
+    return toTimeValue({QDate(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday),
+                        QTime(local.tm_hour, local.tm_min, std::min(local.tm_sec, 59),
+                              static_cast<int>(now.tv_nsec / 1000000))});
 }
 
 // Infinities pass, and so do negative values of any size.
