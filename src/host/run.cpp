@@ -17,10 +17,13 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <iostream>
 #include <memory>
 
 namespace {
+
+constexpr const char* internalError = "Internal error detected\n";
 
 std::string bytesOf(const QString& text) { return text.toLatin1().toStdString(); }
 
@@ -39,6 +42,12 @@ void prepareProcess() {
     if (std::signal(SIGXFSZ, [](int) {}) == SIG_IGN) {
         std::signal(SIGXFSZ, SIG_IGN);
     }
+    // Where memory runs out inside a function of the library that may not throw.
+    std::set_terminate([] {
+        std::fputs(internalError, stderr);
+        std::fflush(stdout);
+        std::_Exit(EXIT_FAILURE);
+    });
     // The library's own warnings are no part of what this program prints.
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
 }
@@ -130,7 +139,7 @@ int runQuorvane(int argc, char** argv) {
     } catch (const HException& failure) {
         std::fprintf(stderr, "error: %s\n", failure.text().c_str());
     } catch (...) {
-        std::fputs("Internal error detected\n", stderr);
+        std::fputs(internalError, stderr);
     }
     std::exit(EXIT_FAILURE);
 }
