@@ -83,13 +83,11 @@ private:
 
 namespace {
 
+// Made on first use and not before main, where nobody could say that memory ran out.
 ESAtomTable& atoms() {
     static ESAtomTable table;
     return table;
 }
-
-// Touched before main, so that "0" to "99" come first and nothing pays for the set-up later.
-[[maybe_unused]] const ESAtomTable& touched = atoms();
 
 // The decimal digits of a number, at the end of a buffer.
 QStringView decimalText(std::uint32_t number, std::array<char16_t, 10>& buffer) {
