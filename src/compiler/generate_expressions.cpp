@@ -63,7 +63,7 @@ bool isLink(std::int32_t kind) {
 
 void ESCodeGenerator::checkDepth() const {
     if (nativeStackLow()) {
-        lexer_.raise(QStringLiteral("nesting too deep"));
+        ctx_.stackTooSmall();
     }
 }
 

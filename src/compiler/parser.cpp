@@ -1,6 +1,7 @@
 // What both halves of the grammar use.
 #include "compiler/parser.h"
 
+#include "runtime/context.h"
 #include "runtime/native_stack.h"
 
 namespace {
@@ -11,8 +12,12 @@ constexpr std::int32_t deepestNesting = 1000;
 } // namespace
 
 ESParser::Level::Level(ESParser& parser) : parser_(parser) {
-    if (++parser_.nesting_ > deepestNesting || nativeStackLow()) {
+    if (++parser_.nesting_ > deepestNesting) {
         parser_.lexer_.raise(QStringLiteral("nesting too deep"));
+    }
+    // Not the text's fault: as its error, eval would drop it and go on with the wrong result.
+    if (nativeStackLow()) {
+        parser_.ctx_.stackTooSmall();
     }
 }
 
