@@ -64,7 +64,7 @@ def main():
                           % (what, limit, outcome.returncode, outcome.stdout, message))
                 if limit > 2000:
                     break
-                limit += max(1, limit // 4)
+                limit += max(1, limit // 2)
     print("%d runs from %d MiB on, %d ended early, %d faults" % (runs, least, ended, faults))
     sys.exit(1 if faults or not ended else 0)
 
