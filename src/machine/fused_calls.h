@@ -9,11 +9,10 @@
 // The scope of a call that keeps its variables in an activation: one that an ended call left, or a new one.
 void enterActivation(ESContext& ctx, ESFusedCode& code, const ESValue* args);
 
-// Sets the registers and variables of a script function about to run. Its arguments are complete; those
-// beyond the formals can't be reached, and the caller has counted them.
+// Sets the registers and variables of a script function about to run. Its arguments are complete, and the
+// caller has seen to the context's spSurplus.
 inline void enterFunction(ESContext& ctx, ESFusedCode& code, const ESClosure& closure, ESObject* receiver,
                           ESValue* args) {
-    ctx.spSurplus -= code.uncounted;
     ctx.scope = closure.scope;
     ctx.thisObject = receiver;
     if (code.needsActivation) {

@@ -56,7 +56,7 @@ void callFused(ESContext& ctx, const ESClosure& closure, ESObject* receiver, std
     const std::int32_t savedSurplus = ctx.spSurplus;
     const std::int32_t base = ctx.sp - argc;
     ctx.sp = base + closure.argCount;
-    ctx.spSurplus += argc - closure.argCount;
+    ctx.spSurplus += argc - closure.argCount - code.uncounted;
     enterFunction(ctx, code, closure, receiver, ctx.stack + base);
     ctx.sp += code.localCount;
     ESObject* const node = ctx.scope;
@@ -950,11 +950,11 @@ enterCall : {
     saved.made = made;
     saved.surplus = ctx.spSurplus;
     saved.destination = A;
-    // Arguments beyond the formals can't be reached; they only count.
-    ctx.spSurplus += surplus + (count - wanted);
     code = closure->block->fused != nullptr ? closure->block->fused.get()
                                             : &fusedCodeOf(*closure->block, handlers);
     fp = args;
+    // Arguments beyond the formals can't be reached; they only count.
+    ctx.spSurplus = saved.surplus + surplus + (count - wanted) - code->uncounted;
     enterFunction(ctx, *code, *closure, receiver, args);
     saved.node = ctx.scope;
     pc = code->cells.data();
