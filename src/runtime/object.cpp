@@ -18,10 +18,11 @@ constexpr std::uint32_t indexedFrom = 8; // up to this many slots a scan is as f
 
 std::uint32_t nextCapacity(std::uint32_t capacity) {
 #ifdef QUORVANE_TINY_LIMITS
-    return capacity + 1;
-#else
-    return capacity == 0 ? 1 : capacity < 4 ? capacity * 2 : capacity + capacity / 2 + (capacity & 1);
+    if (capacity < 64) { // not above: the arena keeps what a large table leaves behind
+        return capacity + 1;
+    }
 #endif
+    return capacity == 0 ? 1 : capacity < 4 ? capacity * 2 : capacity + capacity / 2 + (capacity & 1);
 }
 
 } // namespace
