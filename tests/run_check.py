@@ -151,7 +151,9 @@ def check_any_text(runner):
     for number, line in reports:
         lines = texts[int(number)].count("\n") + 1
         runner.hold("a line of any-%s.js" % number, 1 <= int(line) <= lines, True)
-    runner.hold("too deep", "any-0.js:1: error: nesting too deep [syntax]" in err, True)
+    # The frames of a sanitized build may use up the native stack before the limit of the parser is met.
+    too_deep = r"^any-0\.js:1: error: (?:nesting too deep|virtual machine stack too small) \[syntax\]$"
+    runner.hold("too deep", len(re.findall(too_deep, err, re.MULTILINE)), 1)
     runner.hold("not too deep", re.findall(r"any-(?:3|4|9|10|17)\.js:.*error.*", err), [])
 
 
