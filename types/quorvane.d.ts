@@ -147,6 +147,9 @@ interface FunctionConstructor {
     readonly prototype: Function;
 }
 declare var Function: FunctionConstructor;
+// The language service asks for these where a project is strict.
+interface CallableFunction extends Function {}
+interface NewableFunction extends Function {}
 
 interface Array<T> {
     length: number;

@@ -58,20 +58,12 @@ std::unique_ptr<ESCodeBlock> compileProgram(ESContext& ctx, const QString& text)
 ESObject* compileFunction(ESContext& ctx, const QString& parameters, const QString& body) {
     ESCodeBlock* block =
         keepCodeBlock(std::make_unique<ESCompilation>(ctx)->compileFunction(parameters, body));
-    ESObject* fn = ctx.newObject(ctx.functionPrototype, ctx.functions);
-    ESClosure* closure = ctx.newClosure();
-    closure->argCount = block->argCount;
-    closure->localCount = block->localCount;
-    closure->block = block;
-    closure->scope = ctx.scope;
-    captureScope(ctx.scope);
-    fn->callClosure = closure;
-    fn->constructClosure = closure;
+    ESObject* fn = newFunction(ctx, block);
     fn->value = atomValue(intern("anonymous"));
     ctx.putProperty(fn, ReadOnly | DontEnum | DontDelete, wellKnownAtoms.length,
                     numberValue(block->argCount));
-    ESObject* prototype = ctx.newPlainObject();
-    ctx.putProperty(fn, DontEnum, wellKnownAtoms.prototype, objectValue(prototype));
-    ctx.putProperty(prototype, DontEnum, wellKnownAtoms.constructor, objectValue(fn));
+    const ESValue prototype = ctx.get(fn, wellKnownAtoms.prototype);
+    ctx.putProperty(fn, DontEnum, wellKnownAtoms.prototype, prototype);
+    ctx.putProperty(prototype.object, DontEnum, wellKnownAtoms.constructor, objectValue(fn));
     return fn;
 }

@@ -93,6 +93,7 @@ public:
     ESTree() = default;
     ESTree(const ESTree&) = delete;
     ESTree& operator=(const ESTree&) = delete;
+    ~ESTree() = default;
 
     ESNode* make(std::int32_t kind, std::int32_t line) {
         if (next_ == end_) {

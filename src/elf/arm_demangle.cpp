@@ -1,6 +1,7 @@
 #include "elf/arm_demangle.h"
 
 #include "elf/demangle.h"
+#include "elf/name_cursor.h"
 
 #include <algorithm>
 #include <array>
@@ -11,32 +12,10 @@ namespace {
 
 constexpr int maxDepth = 256; // of types within types
 
-constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
-
-// The part of a name that hasn't been read yet.
-class Cursor {
+class Cursor : public NameCursor {
 public:
-    explicit Cursor(std::string_view text) : rest_(text) {}
+    using NameCursor::NameCursor;
 
-    bool atEnd() const { return rest_.empty(); }
-    // NUL at the end, which no name holds.
-    char peek() const { return rest_.empty() ? '\0' : rest_.front(); }
-    std::string_view rest() const { return rest_; }
-
-    bool take(char c) {
-        if (peek() != c || rest_.empty()) {
-            return false;
-        }
-        rest_.remove_prefix(1);
-        return true;
-    }
-    bool take(std::string_view text) {
-        if (!rest_.starts_with(text)) {
-            return false;
-        }
-        rest_.remove_prefix(text.size());
-        return true;
-    }
     // One or more digits. False, with nothing read, when there is none or the number is out of all bounds.
     bool takeNumber(std::size_t& number) {
         std::size_t length = 0;
@@ -74,9 +53,6 @@ public:
         rest_.remove_prefix(length);
         return true;
     }
-
-private:
-    std::string_view rest_;
 };
 
 struct Code {

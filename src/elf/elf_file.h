@@ -51,6 +51,7 @@ public:
     explicit ElfFile(const FilePath& path, std::uint32_t addressOffset = 0);
     ElfFile(const ElfFile&) = delete;
     ElfFile& operator=(const ElfFile&) = delete;
+    ~ElfFile() = default;
 
     // Replaces the content. addressOffset is added to every address of the file, modulo 2^32. Throws
     // HException, and is empty then: "cannot open ", "cannot read " or "invalid ELF file: " with the path, or

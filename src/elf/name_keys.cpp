@@ -1,13 +1,13 @@
 #include "elf/name_keys.h"
 
 #include "elf/demangle.h"
+#include "elf/name_cursor.h"
 
 #include <algorithm>
 #include <array>
 
 namespace {
 
-constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 constexpr bool isLower(char c) { return c >= 'a' && c <= 'z'; }
 constexpr bool isOneOf(char c, std::string_view set) {
     bool found = false;
@@ -18,13 +18,14 @@ constexpr bool isOneOf(char c, std::string_view set) {
 }
 
 // Everything that the demangler puts between names, and what could be mistaken for it.
-constexpr auto wordCharacters = [] {
+constexpr std::array<bool, 256> markWordCharacters() {
     std::array<bool, 256> table{};
-    for (std::size_t c = '!'; c < table.size(); ++c) {
+    for (std::size_t c = '!'; c != table.size(); ++c) {
         table[c] = !isOneOf(static_cast<char>(c), "!\"#%&'()*+,-./:;<=>?@[\\]^`{|}~") && c != 0x7F;
     }
     return table;
-}();
+}
+constexpr std::array<bool, 256> wordCharacters = markWordCharacters();
 
 constexpr bool isWordCharacter(char c) { return wordCharacters[static_cast<unsigned char>(c)]; }
 
@@ -51,9 +52,9 @@ bool mayBeType(std::string_view name) {
     return isOneOf(first, "ADMSTWZ") || isDigit(first);
 }
 
-class ScopeReader {
+class ScopeReader : NameCursor {
 public:
-    explicit ScopeReader(std::string_view rest) : rest_(rest) {}
+    using NameCursor::NameCursor;
 
     // The last identifier of the scope, or the empty text.
     std::string_view lastIdentifier() {
@@ -83,24 +84,6 @@ public:
     }
 
 private:
-    // NUL at the end.
-    char peek() const { return rest_.empty() ? '\0' : rest_.front(); }
-
-    bool take(char c) {
-        if (peek() != c) {
-            return false;
-        }
-        rest_.remove_prefix(1);
-        return true;
-    }
-    bool take(std::string_view text) {
-        if (!rest_.starts_with(text)) {
-            return false;
-        }
-        rest_.remove_prefix(text.size());
-        return true;
-    }
-
     // What tables, guards and thunks, and things inside functions have in front of the name they belong to.
     bool skipPrefixes() {
         if (take("Th")) {
@@ -148,8 +131,6 @@ private:
         rest_.remove_prefix(length);
         return true;
     }
-
-    std::string_view rest_;
 };
 
 // The words of the demangler itself, of four letters and more, in order. What isn't here and isn't taken from

@@ -69,9 +69,9 @@ struct Command {
 // vfork shares the memory until exec, so the cost doesn't grow with the size of this process. That is safe as
 // long as runInChild writes to nothing that the parent reads, and this function returns in the parent alone.
 pid_t startChild(const Command& command, int stdoutEnd, int stderrEnd) {
-    const pid_t pid = vfork();
+    const pid_t pid = vfork(); // NOLINT(clang-analyzer-security.insecureAPI.vfork)
     if (pid == 0) {
-        runInChild(command, stdoutEnd, stderrEnd);
+        runInChild(command, stdoutEnd, stderrEnd); // NOLINT(clang-analyzer-unix.Vfork)
     }
     return pid;
 }

@@ -86,7 +86,7 @@ void ESContext::callFunction(ESObject* fn, ESObject* receiver, std::int32_t argc
 }
 
 ESObject* ESContext::construct(ESObject* fn, std::int32_t argc, const ESValue* argv) {
-    if (fn->nativeClass != nullptr && fn->memberIndex >= 0) {
+    if (fn->memberIndex >= 0) {
         ESObject* made = fn->nativeClass->construct(*this, fn, argc, argv);
         if (made == nullptr) {
             raiseError(errorConstructor,

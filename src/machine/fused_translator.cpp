@@ -248,7 +248,7 @@ ESFusedCode& fusedCodeOf(ESCodeBlock& block, const void* const* handlers) {
         auto code = std::make_unique<ESFusedCode>(block);
         ESFusedTranslator(block, *code, handlers).run();
         if (code->needsActivation) {
-            const auto count = static_cast<std::size_t>(block.argCount + block.localCount);
+            const auto count = static_cast<std::uint32_t>(block.argCount + block.localCount);
             for (std::size_t i = 0; i < count; ++i) {
                 ESProperty slot{};
                 const bool named = i < block.variables.size();

@@ -208,7 +208,7 @@ ESAtom findAtom(QStringView text) { return text.isEmpty() ? intern(text) : atoms
 
 ESAtom indexAtom(std::uint32_t number) {
     if (number < 100) {
-        return atoms().smallNumbers[number];
+        return atoms().smallNumbers[number]; // cppcheck-suppress CastIntegerToAddressAtReturn
     }
     std::array<char16_t, 10> buffer;
     return intern(decimalText(number, buffer));

@@ -280,9 +280,8 @@ public:
     // Takes a class instance over for the life of the context.
     template <typename T>
     T* own(std::unique_ptr<T> cls) {
-        T* result = cls.get();
         classes_.push_back(std::move(cls));
-        return result;
+        return static_cast<T*>(classes_.back().get());
     }
 
 private:

@@ -102,7 +102,7 @@ void ESPropertyTable::grow(ESArena& arena, std::uint32_t capacity) {
 
 void ESPropertyTable::rebuildIndex(ESArena& arena) {
     const std::uint32_t size = std::bit_ceil(count_ * 2 + 2);
-    if (size > indexSize_) {
+    if (index_ == nullptr || size > indexSize_) {
         auto* index =
             static_cast<std::uint32_t*>(arena.allocateBlock(std::size_t{size} * sizeof(std::uint32_t)));
         arena.releaseBlock(index_, std::size_t{indexSize_} * sizeof(std::uint32_t));
