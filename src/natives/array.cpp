@@ -340,6 +340,11 @@ void ESNativeArray::putElement(ESContext& ctx, ESObject* obj, std::uint32_t inde
 
 void ESNativeArray::call(ESContext& ctx, ESObject* fn, ESObject* thisObject, std::int32_t argc,
                          ESValue* argv) {
+    if (fn->memberIndex == Sort) { // makes nothing longer, and what its comparator lacks isn't a length
+        sortElements(ctx, thisObject, argv[0]);
+        argv[0] = objectValue(thisObject);
+        return;
+    }
     try {
         switch (fn->memberIndex) {
         case Constructor:
@@ -370,10 +375,6 @@ void ESNativeArray::call(ESContext& ctx, ESObject* fn, ESObject* thisObject, std
             break;
         case Slice:
             argv[0] = objectValue(slice(ctx, thisObject, argv[0], argv[1]));
-            break;
-        case Sort:
-            sortElements(ctx, thisObject, argv[0]);
-            argv[0] = objectValue(thisObject);
             break;
         default:
             badCall(ctx);

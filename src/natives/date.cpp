@@ -212,7 +212,18 @@ double composeDate(double year, double month, double day, double timeOfDay) {
     return date.isValid() ? timeClip(julianDay(date) * msPerDay + timeOfDay) : esNaN;
 }
 
-QString dateText(const WallClock& clock) { return clock.date.toString(Qt::TextDate); }
+// As QDate::toString, which doesn't outlive an allocation that fails.
+QString dateText(const WallClock& clock) {
+    constexpr std::array days = {"Mon", "Tue", "Wed", "Thu", "Fri", "Sat", "Sun"};
+    constexpr std::array months = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                   "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    const QDate& date = clock.date;
+    if (!date.isValid()) {
+        return QString();
+    }
+    return QString::asprintf("%s %s %d %04d", days[static_cast<std::size_t>(date.dayOfWeek() - 1)],
+                             months[static_cast<std::size_t>(date.month() - 1)], date.day(), date.year());
+}
 
 QString timeText(const WallClock& clock) { return clock.time.toString(Qt::TextDate); }
 
