@@ -1,28 +1,33 @@
 #include "elf/image_file.h"
 
-#include "hostobjects/unique_fd.h"
+#include "hostobjects/file_helpers.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <elf.h>
 #include <limits>
+#include <linux/limits.h>
+#include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace {
 
 constexpr std::uint64_t maxImageSize = std::numeric_limits<std::uint32_t>::max();
+
+// Who runs the changed content is not to gain rights by it, so set-user-id and set-group-id go.
+constexpr mode_t keptModeBits = 01777;
 
 UniqueFd openFile(const std::string& path, int flags, mode_t mode = 0) {
     int fd = -1;
@@ -49,20 +54,6 @@ ssize_t readFully(int fd, std::uint8_t* to, std::size_t size) {
         done += static_cast<std::size_t>(count);
     }
     return static_cast<ssize_t>(done);
-}
-
-bool writeFully(int fd, std::span<const std::uint8_t> bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count = write(fd, bytes.data(), bytes.size());
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count <= 0) {
-            return false;
-        }
-        bytes = bytes.subspan(static_cast<std::size_t>(count));
-    }
-    return true;
 }
 
 bool beginsWithMagic(const std::uint8_t* bytes, std::size_t size) {
@@ -114,22 +105,6 @@ ReadResult readSized(int fd, std::uint64_t fileSize, ImageBytes& image) {
     return ReadResult::Done;
 }
 
-// Going past a limit on file sizes would end the process; a failed write can be reported.
-class FileSizeSignalIgnored {
-public:
-    FileSizeSignalIgnored() {
-        struct sigaction ignore {};
-        ignore.sa_handler = SIG_IGN;
-        sigaction(SIGXFSZ, &ignore, &before_);
-    }
-    FileSizeSignalIgnored(const FileSizeSignalIgnored&) = delete;
-    FileSizeSignalIgnored& operator=(const FileSizeSignalIgnored&) = delete;
-    ~FileSizeSignalIgnored() { sigaction(SIGXFSZ, &before_, nullptr); }
-
-private:
-    struct sigaction before_ {};
-};
-
 std::string folderOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     if (slash == std::string::npos) {
@@ -138,8 +113,39 @@ std::string folderOf(const std::string& path) {
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-bool mayWrite(const std::string& path, int what) {
-    return faccessat(AT_FDCWD, path.c_str(), what, AT_EACCESS) == 0;
+// Gives the file behind `link` a free name and then the target's, in the place of what has that. 0, or the
+// reason why not.
+int moveInto(const char* link, const char* name, const char* target) {
+    if (linkat(AT_FDCWD, link, AT_FDCWD, name, AT_SYMLINK_FOLLOW) != 0) {
+        return errno;
+    }
+    if (rename(name, target) == 0) {
+        return 0;
+    }
+    const int reason = errno;
+    unlink(name);
+    return reason;
+}
+
+// Nothing can give a nameless file a name that is taken, so it has another one for a moment. A child with a
+// session of its own does that: whatever kills this process or its group in the same moment, the child goes
+// on, and the other name doesn't stay. Until it has, it may make system calls only.
+int moveIntoByChild(const char* link, const char* name, const char* target) {
+    const pid_t child = vfork(); // NOLINT(clang-analyzer-security.insecureAPI.vfork)
+    if (child == 0) {
+        setsid();
+        _exit(moveInto(link, name, target)); // NOLINT(clang-analyzer-unix.Vfork)
+    }
+    if (child < 0) {
+        return moveInto(link, name, target);
+    }
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0) {
+        if (errno != EINTR) {
+            return errno;
+        }
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : EIO;
 }
 
 // A file in the making, beside the one that it is to replace. Whatever wasn't committed is gone in the end.
@@ -156,16 +162,18 @@ public:
 
     int fd() const { return fd_.get(); }
 
-    bool open() {
+    bool open(mode_t mode) {
         // Without a name nothing is left behind when the process is killed. Giving it one later needs /proc.
         if (access("/proc/self/fd", X_OK) == 0) {
-            fd_ = openFile(folder_, O_TMPFILE | O_WRONLY, S_IRUSR | S_IWUSR);
+            fd_ = openFile(folder_, O_TMPFILE | O_WRONLY, mode);
         }
-        if (!fd_.isOpen()) {
-            std::string name = nameTemplate();
-            fd_ = UniqueFd(mkostemp(name.data(), O_CLOEXEC));
+        for (int number = 0; !fd_.isOpen() && number < mostNames; ++number) {
+            std::string name = freeName(number);
+            fd_ = openFile(name, O_WRONLY | O_CREAT | O_EXCL, mode);
             if (fd_.isOpen()) {
                 name_ = std::move(name); // a copy could fail, and the file would stay
+            } else if (errno != EEXIST) {
+                return false;
             }
         }
         return fd_.isOpen();
@@ -173,36 +181,28 @@ public:
 
     // Puts the file in the place of whatever `target` names. On failure errno is set.
     bool commit(const std::string& target) {
-        if (name_.empty() && !giveName()) {
-            return false;
+        if (!name_.empty()) {
+            if (!fd_.close() || rename(name_.c_str(), target.c_str()) != 0) {
+                return false;
+            }
+            name_.clear();
+            return true;
         }
-        if (!fd_.close() || rename(name_.c_str(), target.c_str()) != 0) {
-            return false;
+        const std::string link = "/proc/self/fd/" + std::to_string(fd_.get());
+        if (linkat(AT_FDCWD, link.c_str(), AT_FDCWD, target.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+            return true; // there was nothing to replace
         }
-        name_.clear();
-        return true;
+        for (int number = 0; errno == EEXIST && number < mostNames; ++number) {
+            errno = moveIntoByChild(link.c_str(), freeName(number).c_str(), target.c_str());
+        }
+        return errno == 0;
     }
 
 private:
-    std::string nameTemplate() const { return folder_ + "/.image-XXXXXX"; }
+    static constexpr int mostNames = 100;
 
-    bool giveName() {
-        const std::string link = "/proc/self/fd/" + std::to_string(fd_.get());
-        for (int attempt = 0; attempt < 100; ++attempt) {
-            std::string name = nameTemplate();
-            const UniqueFd placeholder(mkostemp(name.data(), O_CLOEXEC));
-            if (!placeholder.isOpen() || unlink(name.c_str()) != 0) {
-                return false;
-            }
-            if (linkat(AT_FDCWD, link.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0) {
-                name_ = std::move(name);
-                return true;
-            }
-            if (errno != EEXIST) {
-                return false;
-            }
-        }
-        return false;
+    std::string freeName(int number) const {
+        return folder_ + "/.image-" + std::to_string(getpid()) + '-' + std::to_string(number);
     }
 
     std::string folder_;
@@ -210,68 +210,135 @@ private:
     std::string name_; // empty while there is none
 };
 
-mode_t modeOfNewFiles() {
+// What open gives a file: a folder with an ACL for its new files settles that, else the umask does.
+mode_t modeOfNewFiles(const std::string& folder) {
     const mode_t mask = umask(0);
     umask(mask);
-    return 0666 & ~mask;
+    return getxattr(folder.c_str(), "system.posix_acl_default", nullptr, 0) > 0 ? 0666 : 0666 & ~mask;
 }
 
 // Some file systems can't; only those that tried and failed have lost something.
 bool reachedDisk(int fd) { return fsync(fd) == 0 || errno == EINVAL || errno == ENOSYS; }
 
+bool isUnsupported(int reason) { return reason == EOPNOTSUPP || reason == ENOSYS || reason == EINVAL; }
+
+bool writeFrom(int fd, std::span<const std::uint8_t> bytes, std::size_t offset) {
+    return lseek(fd, static_cast<off_t>(offset), SEEK_SET) >= 0 &&
+           writeAll(fd, reinterpret_cast<const char*>(bytes.data()) + offset, bytes.size() - offset);
+}
+
+// Finds out whether the image has room before a byte of the old content is harmed: it reserves what holes in
+// the file and a longer image need. Where the file system can't reserve, writing the longer end tells.
+bool makeRoom(int fd, std::size_t oldSize, std::span<const std::uint8_t> image) {
+    if (fallocate(fd, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(image.size())) != 0 &&
+        !isUnsupported(errno)) {
+        return false;
+    }
+    return image.size() <= oldSize || (writeFrom(fd, image, oldSize) && reachedDisk(fd));
+}
+
+// Overwrites the content of a regular file, and sets its length last.
+bool overwriteContent(int fd, const struct stat& old, std::span<const std::uint8_t> image) {
+    const auto oldSize = static_cast<std::size_t>(old.st_size);
+    const bool hasRoom = makeRoom(fd, oldSize, image);
+    if (hasRoom && (old.st_mode & (S_ISUID | S_ISGID)) != 0) {
+        fchmod(fd, old.st_mode & keptModeBits); // who may not do this finds that the system does
+    }
+    if (!hasRoom || !writeFrom(fd, image.first(std::min(oldSize, image.size())), 0)) {
+        [[maybe_unused]] const int ignored = ftruncate(fd, old.st_size);
+        return false;
+    }
+    return ftruncate(fd, static_cast<off_t>(image.size())) == 0 && reachedDisk(fd);
+}
+
 WriteResult overwriteFile(const std::string& path, std::span<const std::uint8_t> image) {
-    UniqueFd fd = openFile(path, O_WRONLY | O_CREAT | O_TRUNC, 0666);
-    if (!fd.isOpen()) {
+    UniqueFd fd = openFile(path, O_WRONLY);
+    struct stat old {};
+    if (!fd.isOpen() || fstat(fd.get(), &old) != 0) {
         return WriteResult::CannotOpen;
     }
-    const bool written = writeFully(fd.get(), image);
+    const bool written = S_ISREG(old.st_mode)
+                             ? overwriteContent(fd.get(), old, image)
+                             : writeAll(fd.get(), reinterpret_cast<const char*>(image.data()), image.size());
     return fd.close() && written ? WriteResult::Done : WriteResult::CannotWrite;
 }
 
-// Gives the new file the mode and the group of the old one, or the mode of a file just made.
-bool takeOver(int fd, const struct stat* old) {
+// Gives the new file an attribute of the old one. False when it can't be kept.
+bool takeOverAttribute(int fd, const std::string& old, const char* name) {
+    // These speak of the content, which changes; the system itself takes them away then.
+    for (const char* const ofContent : {"security.capability", "security.ima", "security.evm"}) {
+        if (std::strcmp(name, ofContent) == 0) {
+            return true;
+        }
+    }
+    std::string value(XATTR_SIZE_MAX, '\0');
+    std::string present(XATTR_SIZE_MAX, '\0');
+    const ssize_t size = getxattr(old.c_str(), name, value.data(), value.size());
+    if (size < 0) {
+        return false;
+    }
+    value.resize(static_cast<std::size_t>(size));
+    // A label that the new file has from the start may not be one that anybody could set.
+    const ssize_t presentSize = fgetxattr(fd, name, present.data(), present.size());
+    present.resize(static_cast<std::size_t>(std::max<ssize_t>(presentSize, 0)));
+    return (presentSize >= 0 && present == value) || fsetxattr(fd, name, value.data(), value.size(), 0) == 0;
+}
+
+// Gives the new file the group, the extended attributes, ACLs among them, and the mode of the old one. False
+// when it can't have them all.
+bool takeOver(int fd, const std::string& target, const struct stat& old) {
     struct stat now {};
-    if (fstat(fd, &now) != 0) {
+    if (fstat(fd, &now) != 0 ||
+        (old.st_gid != now.st_gid && fchown(fd, static_cast<uid_t>(-1), old.st_gid) != 0)) {
         return false;
     }
-    if (old != nullptr && old->st_gid != now.st_gid && fchown(fd, static_cast<uid_t>(-1), old->st_gid) != 0) {
+    constexpr char accessList[] = "system.posix_acl_access";
+    std::string names(XATTR_LIST_MAX, '\0');
+    const ssize_t size = listxattr(target.c_str(), names.data(), names.size());
+    if (size < 0 && !isUnsupported(errno)) {
         return false;
     }
-    // The mode comes last: changing the group takes set-id bits away.
-    const mode_t mode = old != nullptr ? (old->st_mode & 07777) : modeOfNewFiles();
+    bool hasAccessList = false;
+    const char* const end = names.data() + std::max<ssize_t>(size, 0);
+    for (const char* name = names.data(); name < end; name += std::strlen(name) + 1) {
+        if (!takeOverAttribute(fd, target, name)) {
+            return false;
+        }
+        hasAccessList = hasAccessList || std::strcmp(name, accessList) == 0;
+    }
+    // One that came from the folder would let in whom the old file kept out.
+    if (!hasAccessList && fremovexattr(fd, accessList) != 0 && errno != ENODATA && !isUnsupported(errno)) {
+        return false;
+    }
+    // The mode comes last: with an ACL its group bits are the limit of all that the ACL gives.
+    const mode_t mode = old.st_mode & keptModeBits;
     return fchmod(fd, mode) == 0 || (now.st_mode & 07777) == mode;
 }
 
-// `old` describes the file at `target`, or is null when there is none.
-WriteResult replaceFile(const std::string& target, const struct stat* old,
-                        std::span<const std::uint8_t> image) {
-    NewFile file(folderOf(target));
-    if (!file.open()) {
-        return WriteResult::CannotOpen;
+// `old` describes the file at `target`, or is null when there is none. Nothing when the file can't be
+// replaced with all that belongs to it; it hasn't been touched then.
+std::optional<WriteResult> replaceFile(const std::string& target, const struct stat* old,
+                                       std::span<const std::uint8_t> image) {
+    const std::string folder = folderOf(target);
+    NewFile file(folder);
+    if (!file.open(old != nullptr ? S_IRUSR | S_IWUSR : modeOfNewFiles(folder)) ||
+        (old != nullptr && !takeOver(file.fd(), target, *old))) {
+        return std::nullopt;
     }
-    if (!writeFully(file.fd(), image) || !takeOver(file.fd(), old) || !reachedDisk(file.fd())) {
+    if (!writeFrom(file.fd(), image, 0) || !reachedDisk(file.fd())) {
         return WriteResult::CannotWrite;
     }
     if (file.commit(target)) {
         return WriteResult::Done;
     }
     // A file that is mounted on its own (containers do that) can't be replaced, only written.
-    return errno == EBUSY ? overwriteFile(target, image) : WriteResult::CannotWrite;
+    return errno == EBUSY ? std::nullopt : std::optional(WriteResult::CannotWrite);
 }
 
 // Where a path leads in the end, or the empty text.
 std::string resolved(const std::string& path) {
     std::array<char, PATH_MAX> real;
     return realpath(path.c_str(), real.data()) != nullptr ? std::string(real.data()) : std::string();
-}
-
-bool groupCanStay(const struct stat& old) {
-    if (geteuid() == 0 || old.st_gid == getegid()) {
-        return true;
-    }
-    std::vector<gid_t> groups(static_cast<std::size_t>(std::max(getgroups(0, nullptr), 0)));
-    const int count = getgroups(static_cast<int>(groups.size()), groups.data());
-    return count > 0 && std::find(groups.begin(), groups.end(), old.st_gid) != groups.end();
 }
 
 } // namespace
@@ -289,30 +356,31 @@ ReadResult readImageFile(const char* path, ImageBytes& image) {
 }
 
 WriteResult writeImageFile(const char* path, std::span<const std::uint8_t> image) {
-    const FileSizeSignalIgnored guard;
     if (*path == '\0') {
         return WriteResult::CannotOpen;
     }
-    struct stat status {};
-    if (stat(path, &status) == 0) {
+    struct stat old {};
+    if (stat(path, &old) == 0) {
         const std::string target = resolved(path);
-        const bool ownFile =
-            S_ISREG(status.st_mode) && status.st_nlink == 1 && status.st_uid == geteuid() && !target.empty();
-        if (!ownFile || !mayWrite(folderOf(target), W_OK | X_OK) || !groupCanStay(status)) {
-            return overwriteFile(path, image);
+        if (S_ISREG(old.st_mode) && old.st_nlink == 1 && old.st_uid == geteuid() && !target.empty()) {
+            if (faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) {
+                return WriteResult::CannotOpen;
+            }
+            if (const std::optional<WriteResult> result = replaceFile(target, &old, image)) {
+                return *result;
+            }
         }
-        return mayWrite(target, W_OK) ? replaceFile(target, &status, image) : WriteResult::CannotOpen;
+        return overwriteFile(path, image);
     }
     if (errno != ENOENT) {
         return WriteResult::CannotOpen;
     }
-    if (lstat(path, &status) != 0) {
-        return replaceFile(path, nullptr, image);
+    std::string link(PATH_MAX, '\0');
+    const ssize_t length = readlink(path, link.data(), link.size());
+    if (length <= 0) {
+        return replaceFile(path, nullptr, image).value_or(WriteResult::CannotOpen);
     }
-    // A link to nothing: its target is made, and is gone again if that fails.
-    const WriteResult result = overwriteFile(path, image);
-    if (result == WriteResult::CannotWrite) {
-        unlink(resolved(path).c_str());
-    }
-    return result;
+    // A link to nothing: what it names is made. It ends somewhere, or the system had found the circle.
+    link.resize(static_cast<std::size_t>(length));
+    return writeImageFile((link.front() == '/' ? link : folderOf(path) + '/' + link).c_str(), image);
 }

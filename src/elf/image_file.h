@@ -39,7 +39,10 @@ enum class WriteResult {
 };
 
 // A regular file that is the user's own and has no second name is replaced in one step, as is a file that
-// doesn't exist yet: after a failure, and even when the process is killed, the old state stands. Its mode
-// and the symbolic links to it stay. Everything else (devices, pipes, files of several names or of another
-// owner, folders that can't be written) is opened and overwritten in place.
+// doesn't exist yet: after a failure, and even when the process is killed, the old state stands. Its group,
+// its mode without the set-id bits, its extended attributes with the ACL, and the symbolic links to it stay.
+// Everything else (devices, pipes, files of several names or of another owner, folders that can't be written,
+// attributes that can't be kept) is overwritten in place: what has no room is refused before the old content
+// is touched, and the length is set last, but who is killed in the midst leaves a mixture.
+// SIGXFSZ must not be at its default, or a limit on file sizes ends the process.
 WriteResult writeImageFile(const char* path, std::span<const std::uint8_t> image);

@@ -6,12 +6,14 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
+#include <linux/limits.h>
 #include <memory>
 #include <span>
 
@@ -91,12 +93,22 @@ bool copyContent(int source, int target, std::span<char> block) {
     }
 }
 
-void copyTimesAndMode(const struct stat& source, int target) {
-    const std::array<timespec, 2> times{source.st_atim, source.st_mtim};
+// Beside an access list the group's bits of a mode are the limit of the whole list. Without it they would be
+// rights of the group. False when the list can't go along.
+bool copyAccessList(int source, int target) {
+    constexpr char name[] = "system.posix_acl_access";
+    const auto list = std::make_unique<char[]>(XATTR_SIZE_MAX);
+    const ssize_t size = fgetxattr(source, name, list.get(), XATTR_SIZE_MAX);
+    return size < 0 || fsetxattr(target, name, list.get(), static_cast<std::size_t>(size), 0) == 0;
+}
+
+void copyTimesAndMode(int source, const struct stat& status, int target) {
+    const std::array<timespec, 2> times{status.st_atim, status.st_mtim};
     futimens(target, times.data());
     const mode_t mask = umask(0);
     umask(mask);
-    fchmod(target, source.st_mode & 07777U & ~mask);
+    const mode_t group = copyAccessList(source, target) ? 0 : S_IRWXG;
+    fchmod(target, status.st_mode & 07777U & ~mask & ~group);
 }
 
 } // namespace
@@ -201,7 +213,7 @@ bool copyFile(const QString& source, const QString& destination, bool createDire
     }
     // A device or pipe that a file is copied into keeps its own mode.
     if (S_ISREG(toStatus.st_mode)) {
-        copyTimesAndMode(fromStatus, to.get());
+        copyTimesAndMode(from.get(), fromStatus, to.get());
     }
     return to.close();
 }

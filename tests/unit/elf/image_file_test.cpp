@@ -6,11 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
-#include <csignal>
 #include <thread>
 
 namespace {
@@ -81,15 +79,6 @@ TEST(ImageFile, ReplacesAFileAndKeepsItsModeAndLinks) {
     EXPECT_EQ(folder.names(), (std::vector<std::string>{"a.elf", "link"}));
 }
 
-TEST(ImageFile, AnotherNameOfTheFileSeesTheNewImage) {
-    TemporaryFolder folder;
-    const std::string path = folder.write("a.elf", oldImage);
-    ASSERT_EQ(link(path.c_str(), folder.file("b.elf").c_str()), 0);
-    ASSERT_EQ(writeImageFile(path.c_str(), bytesOf("new")), WriteResult::Done);
-    EXPECT_EQ(TemporaryFolder::read(folder.file("b.elf")), bytesOf("new"));
-    EXPECT_EQ(statusOf(path).st_nlink, 2U);
-}
-
 TEST(ImageFile, MakesNewFilesWithTheUsualMode) {
     TemporaryFolder folder;
     const mode_t mask = umask(027);
@@ -139,26 +128,6 @@ int inChild(Action action) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-// The disk full after 64 KiB, in effect.
-int writeWithLimit(const std::string& path) {
-    const rlimit limit{65536, 65536};
-    setrlimit(RLIMIT_FSIZE, &limit);
-    return static_cast<int>(writeImageFile(path.c_str(), largeImage()));
-}
-
-TEST(ImageFile, AFailedWriteLeavesTheOldImageAndNoStrayFile) {
-    TemporaryFolder folder;
-    const int failed = static_cast<int>(WriteResult::CannotWrite);
-    const std::string path = folder.write("a", oldImage);
-    EXPECT_EQ(inChild([&] { return writeWithLimit(path); }), failed);
-    EXPECT_EQ(inChild([&] { return writeWithLimit(folder.file("new")); }), failed);
-    ASSERT_EQ(symlink("target", folder.file("dangling").c_str()), 0);
-    EXPECT_EQ(inChild([&] { return writeWithLimit(folder.file("dangling")); }), failed);
-    EXPECT_EQ(folder.names(), (std::vector<std::string>{"a", "dangling"}));
-    EXPECT_EQ(TemporaryFolder::read(path), oldImage);
-    EXPECT_EQ(inChild([&] { return static_cast<int>(writeImageFile("/dev/full", oldImage)); }), failed);
-}
-
 TEST(ImageFile, RightsDecideHowAFileIsWritten) {
     if (geteuid() != 0) {
         GTEST_SKIP() << "needs root to become somebody else";
@@ -192,36 +161,6 @@ TEST(ImageFile, RightsDecideHowAFileIsWritten) {
     EXPECT_EQ(asSomebody(foreign), static_cast<int>(WriteResult::Done));
     EXPECT_EQ(statusOf(foreign).st_uid, 0U);
     EXPECT_EQ(folder.names(), (std::vector<std::string>{"foreign", "own"}));
-}
-
-TEST(ImageFile, KilledWhileSavingLeavesTheOldImageOrTheNew) {
-    TemporaryFolder folder;
-    const Bytes image = largeImage();
-    const std::string path = folder.write("a", image);
-    Bytes other = image;
-    std::reverse(other.begin() + SELFMAG, other.end());
-    const int rounds = isInstrumented ? 40 : 200;
-    for (int i = 0; i < rounds; ++i) {
-        const pid_t child = fork();
-        if (child == 0) {
-            for (;;) {
-                writeImageFile(path.c_str(), other);
-                writeImageFile(path.c_str(), image);
-            }
-        }
-        usleep(static_cast<useconds_t>(500 + 37 * i));
-        kill(child, SIGKILL);
-        waitpid(child, nullptr, 0);
-        const Bytes found = TemporaryFolder::read(path);
-        ASSERT_TRUE(found == image || found == other) << "round " << i << ", " << found.size() << " bytes";
-        // Killed between naming the new file and renaming it, a save leaves that one, and no more.
-        ASSERT_LE(folder.names().size(), 2U);
-        for (const std::string& name : folder.names()) {
-            if (name != "a") {
-                unlink(folder.file(name).c_str());
-            }
-        }
-    }
 }
 
 } // namespace

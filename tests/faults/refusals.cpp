@@ -1,0 +1,140 @@
+#include "faults/refusals.h"
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdarg>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <new>
+
+#ifdef __SANITIZE_ADDRESS__
+#define REAL(name) __interceptor_##name
+#else
+#define REAL(name) __libc_##name
+#endif
+
+extern "C" {
+void* REAL(malloc)(std::size_t size);
+void* REAL(calloc)(std::size_t count, std::size_t size);
+void* REAL(realloc)(void* block, std::size_t size);
+void* REAL(memalign)(std::size_t alignment, std::size_t size);
+}
+
+namespace {
+
+bool refused(Refusals::Kind kind) {
+    if (kind != refusals.kind || ++refusals.requests < refusals.first || refusals.first == 0 ||
+        (refusals.way != Refusals::FromThenOn && refusals.requests > refusals.first)) {
+        return false;
+    }
+    if (refusals.way == Refusals::Kill) {
+        kill(refusals.process, SIGKILL);
+        return false;
+    }
+    errno = kind == Refusals::Memory ? ENOMEM : EIO;
+    return true;
+}
+
+void* newBlock(std::size_t size) {
+    if (void* block = std::malloc(size == 0 ? 1 : size)) {
+        return block;
+    }
+    throw std::bad_alloc();
+}
+
+void* newBlock(std::size_t size, std::align_val_t alignment) {
+    if (void* block = std::aligned_alloc(static_cast<std::size_t>(alignment), size)) {
+        return block;
+    }
+    throw std::bad_alloc();
+}
+
+} // namespace
+
+extern "C" {
+
+void* malloc(std::size_t size) noexcept { return refused(Refusals::Memory) ? nullptr : REAL(malloc)(size); }
+
+void* calloc(std::size_t count, std::size_t size) noexcept {
+    return refused(Refusals::Memory) ? nullptr : REAL(calloc)(count, size);
+}
+
+void* realloc(void* block, std::size_t size) noexcept {
+    return size != 0 && refused(Refusals::Memory) ? nullptr : REAL(realloc)(block, size);
+}
+
+void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
+    return refused(Refusals::Memory) ? nullptr : REAL(memalign)(alignment, size);
+}
+
+void* mmap(void* address, std::size_t size, int protection, int flags, int fd, off_t offset) noexcept {
+    if (refused(Refusals::Memory)) {
+        return MAP_FAILED;
+    }
+    return reinterpret_cast<void*>(syscall(SYS_mmap, address, size, protection, flags, fd, offset));
+}
+
+int open(const char* path, int flags, ...) {
+    va_list rest;
+    va_start(rest, flags);
+    const mode_t mode = va_arg(rest, mode_t);
+    va_end(rest);
+    return refused(Refusals::Files) ? -1 : static_cast<int>(syscall(SYS_openat, AT_FDCWD, path, flags, mode));
+}
+
+int close(int fd) { // which it is in any case
+    const bool fails = refused(Refusals::Files);
+    return static_cast<int>(syscall(SYS_close, fd)) != 0 || fails ? -1 : 0;
+}
+
+#define ON_FILES(type, name, parameters, ...)                                                                \
+    type name parameters {                                                                                   \
+        return refused(Refusals::Files) ? -1 : static_cast<type>(syscall(SYS_##__VA_ARGS__));                \
+    }
+
+ON_FILES(ssize_t, read, (int fd, void* to, std::size_t size), read, fd, to, size)
+ON_FILES(ssize_t, write, (int fd, const void* from, std::size_t size), write, fd, from, size)
+ON_FILES(off_t, lseek, (int fd, off_t offset, int whence) noexcept, lseek, fd, offset, whence)
+ON_FILES(int, fsync, (int fd), fsync, fd)
+ON_FILES(int, fallocate, (int fd, int mode, off_t from, off_t size), fallocate, fd, mode, from, size)
+ON_FILES(int, ftruncate, (int fd, off_t size) noexcept, ftruncate, fd, size)
+ON_FILES(int, fstat, (int fd, struct stat* to) noexcept, newfstatat, fd, "", to, AT_EMPTY_PATH)
+ON_FILES(int, fchmod, (int fd, mode_t mode) noexcept, fchmod, fd, mode)
+ON_FILES(int, fchown, (int fd, uid_t user, gid_t group) noexcept, fchown, fd, user, group)
+ON_FILES(int, rename, (const char* from, const char* to) noexcept, renameat2, AT_FDCWD, from, AT_FDCWD, to, 0)
+ON_FILES(int, linkat, (int at, const char* from, int toAt, const char* to, int flags) noexcept, linkat, at,
+         from, toAt, to, flags)
+ON_FILES(ssize_t, listxattr, (const char* path, char* to, std::size_t size) noexcept, listxattr, path, to,
+         size)
+ON_FILES(ssize_t, getxattr, (const char* path, const char* name, void* to, std::size_t size) noexcept,
+         getxattr, path, name, to, size)
+ON_FILES(ssize_t, fgetxattr, (int fd, const char* name, void* to, std::size_t size) noexcept, fgetxattr, fd,
+         name, to, size)
+ON_FILES(int, fsetxattr, (int fd, const char* name, const void* value, std::size_t size, int flags) noexcept,
+         fsetxattr, fd, name, value, size, flags)
+ON_FILES(int, fremovexattr, (int fd, const char* name) noexcept, fremovexattr, fd, name)
+
+} // extern "C"
+
+void* operator new(std::size_t size) { return newBlock(size); }
+void* operator new[](std::size_t size) { return newBlock(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return std::malloc(size); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return std::malloc(size); }
+void* operator new(std::size_t size, std::align_val_t alignment) { return newBlock(size, alignment); }
+void* operator new[](std::size_t size, std::align_val_t alignment) { return newBlock(size, alignment); }
+void operator delete(void* block) noexcept { std::free(block); }
+void operator delete[](void* block) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+void operator delete(void* block, std::align_val_t) noexcept { std::free(block); }
+void operator delete[](void* block, std::align_val_t) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t, std::align_val_t) noexcept { std::free(block); }
+void operator delete[](void* block, std::size_t, std::align_val_t) noexcept { std::free(block); }
