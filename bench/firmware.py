@@ -1,6 +1,9 @@
 """Makes 32-bit little-endian ELF images of any size for growth.py and images.py, and measures programs."""
 import collections
+import functools
 import os
+import re
+import shutil
 import struct
 import subprocess
 import time
@@ -69,13 +72,24 @@ def run(command, expected=None):
     return Times(usage.ru_utime + usage.ru_stime, wall)
 
 
-def instructions(command, report, expected=None):
-    """The same in instructions of user code, or None where the machine does not count them."""
-    counted = subprocess.run(["perf", "stat", "-x,", "-e", "instructions:u", "-o", str(report), "--"] + command,
-                             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
-    if counted.returncode != 0 or (expected is not None and counted.stdout != expected):
-        raise SystemExit("%s: status %d, printed %r" % (" ".join(command), counted.returncode, counted.stdout[:300]))
-    for line in report.read_text().splitlines():
-        if "instructions" in line and line.split(",")[0].isdigit():
-            return int(line.split(",")[0])
-    return None
+@functools.cache
+def counter():
+    """The words in front of a command that count its instructions, and how the count is written behind them."""
+    for words, form in ((["perf", "stat", "-x,", "-e", "instructions:u", "--"], r"(?m)^(\d+),[^,]*,instructions"),
+                        (["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null"], r"Collected : (\d+)")):
+        if shutil.which(words[0]):
+            tried = subprocess.run(words + ["true"], capture_output=True, text=True)
+            if tried.returncode == 0 and re.search(form, tried.stderr):
+                return words, form
+    raise SystemExit("nothing counts instructions here: apt-get install valgrind")
+
+
+def instructions(command, expected=None):
+    """Runs a command and gives its instructions of user code. Ends the program as `run` does."""
+    words, form = counter()
+    run = subprocess.run(words + command, stdin=subprocess.DEVNULL, capture_output=True, text=True)
+    counted = re.search(form, run.stderr)
+    if run.returncode != 0 or counted is None or (expected is not None and run.stdout != expected):
+        raise SystemExit("%s: status %d, printed %r" % (" ".join(command), run.returncode,
+                                                        (run.stdout + run.stderr)[-300:]))
+    return int(counted[1])

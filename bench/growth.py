@@ -1,20 +1,17 @@
 #!/usr/bin/env python3
 """Checks that what a script costs grows in proportion to what it does.
 
-usage: growth.py [--quorvane PATH] [--cpu] [case ...]
+usage: growth.py [--quorvane PATH] [--short] [case ...]
 
-Every case runs at three sizes, and its cost is that of the process less that of
-an empty script: instructions of user code where perf counts them, else (or with
---cpu) the best of three CPU times, system included. Between two sizes the cost may
-grow as n log n does, with generous slack: 6 times for 4 times the work; 8 times
-for a sort, which is a Shell sort because scripts see the order of comparisons.
-A step that takes more is marked, and makes the exit status 1. A case is named
-by a part of its name.
+Every case runs at three sizes (with --short at the two smaller ones, each a quarter as large), and its cost is that
+of the process less that of an empty script, in instructions of user code: counted by perf where the machine lets it,
+else by valgrind. Between two sizes the cost may grow as n log n does, with generous slack: 6 times for 4 times the
+work; 8 times for a sort, which is a Shell sort because scripts see the order of comparisons. A step that takes more
+is marked, and makes the exit status 1. A case is named by a part of its name.
 """
 import argparse
 import math
 import os
-import shutil
 import sys
 import tempfile
 from pathlib import Path
@@ -192,33 +189,35 @@ def cases(folder):
 
 
 class Meter:
-    def __init__(self, program, folder, in_seconds):
-        self.command = [program, "-load"]
-        self.folder = folder
-        self.in_seconds = in_seconds or not shutil.which("perf")
-        if not self.in_seconds and self.count("", "") is None:
-            self.in_seconds = True
-        self.unit = "ms of CPU time" if self.in_seconds else "millions of instructions"
-        self.empty = 0
+    def __init__(self, program, folder):
+        self.command, self.folder, self.empty = [program, "-load"], folder, 0
         self.empty = self.cost("", "")
 
-    def count(self, script, expected):
-        (self.folder / "case.js").write_text(script)
-        return firmware.instructions(self.command + ["case.js"], self.folder / "perf.txt", expected)
-
     def cost(self, script, expected):
-        """In the unit, without what an empty script costs."""
-        if not self.in_seconds:
-            return self.count(script, expected) / 1e6 - self.empty
-        (self.folder / "case.js").write_text(script)
-        runs = [firmware.run(self.command + ["case.js"], expected).cpu for _ in range(3)]
-        return min(runs) * 1e3 - self.empty
+        """In millions of instructions, without what an empty script costs."""
+        path = self.folder / "case.js"
+        path.write_text(script)
+        counted = firmware.instructions(self.command + [str(path)], expected)
+        return counted / 1e6 - self.empty
+
+
+def report(case, sizes, costs, floor):
+    """Prints a line; tells whether the costs are in proportion. What is below the floor divides nothing."""
+    slack = SORT_SLACK if case.startswith("sort") else SLACK
+    steps = [(max(b, floor) / max(a, floor), (m / n) ** slack)
+             for a, b, n, m in zip(costs, costs[1:], sizes, sizes[1:])]
+    good = all(ratio <= limit for ratio, limit in steps)
+    print("%-30s %28s  %31s  %s%s" % (case, " ".join("%8d" % n for n in sizes),
+                                     " ".join("%10.2f" % c for c in costs),
+                                     " ".join("%6.2f" % ratio for ratio, _ in steps),
+                                     "" if good else "  <-- grows too fast"), flush=True)
+    return good
 
 
 def main():
     parser = argparse.ArgumentParser(usage=__doc__.split("\n\n")[1][7:])
     parser.add_argument("--quorvane", metavar="PATH", default="build/release/quorvane")
-    parser.add_argument("--cpu", action="store_true", help="measure time, not instructions")
+    parser.add_argument("--short", action="store_true", help="two smaller sizes")
     parser.add_argument("case", nargs="*")
     options = parser.parse_args()
     program = str(Path(options.quorvane).resolve())
@@ -227,24 +226,16 @@ def main():
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
         os.chdir(folder)  # where the scripts find their files
-        meter = Meter(program, folder, options.cpu)
-        print("cost in %s beyond the %.2f of an empty script\n" % (meter.unit, meter.empty))
+        meter = Meter(program, folder)
+        print("cost in millions of instructions beyond the %.2f of an empty script\n" % meter.empty)
         print("%-30s %28s  %31s  %s" % ("", "n", "cost", "ratios"))
         for case, sizes, prepare in cases(folder):
             if options.case and not any(part in case for part in options.case):
                 continue
-            costs = [meter.cost(*prepare(n)) for n in sizes]
-            # What is below this is noise, and divides nothing.
-            floor = meter.empty if meter.in_seconds else meter.empty / 10
-            slack = SORT_SLACK if case.startswith("sort") else SLACK
-            steps = [(max(b, floor) / max(a, floor), (m / n) ** slack)
-                     for a, b, n, m in zip(costs, costs[1:], sizes, sizes[1:])]
-            mark = "" if all(ratio <= limit for ratio, limit in steps) else "  <-- grows too fast"
-            if mark:
+            if options.short:
+                sizes = [size // 4 for size in sizes[:2]]
+            if not report(case, sizes, [meter.cost(*prepare(n)) for n in sizes], meter.empty / 10):
                 too_fast.append(case)
-            print("%-30s %28s  %31s  %s%s" % (case, " ".join("%8d" % n for n in sizes),
-                                             " ".join("%10.2f" % c for c in costs),
-                                             " ".join("%6.2f" % ratio for ratio, _ in steps), mark), flush=True)
     print("\n%s" % ("all in proportion" if not too_fast else "too fast: " + ", ".join(too_fast)))
     sys.exit(1 if too_fast else 0)
 

@@ -12,17 +12,12 @@ mkdir tools
 
 status=0
 offers() { # expected (joined by "|"), then the words so far, the last of which is completed
-    local expected=$1
-    shift
-    COMP_WORDS=("$program" "$@")
-    COMP_CWORD=$#
+    COMP_WORDS=("$program" "${@:2}")
+    COMP_CWORD=$(($# - 1))
     "_${program//-/_}"
     local found
     found=$(printf '%s\n' "${COMPREPLY[@]}" | sort | paste -sd '|')
-    if [ "$found" != "$expected" ]; then
-        echo "FAILED: $program $* : offers '$found', not '$expected'"
-        status=1
-    fi
+    [ "$found" = "$1" ] || { status=1; echo "FAILED: $program ${*:2} : offers '$found', not '$1'"; }
 }
 
 export LC_ALL=C

@@ -1,150 +1,100 @@
 """The step of quorvane in a build: it runs when something that it depends on has changed, and only then.
 
-usage: check_post_build.py --tool ninja|unix-makefiles|make --quorvane PROGRAM [--package FOLDER] [--fragment FILE]
+usage: check_post_build.py ninja|unix-makefiles|make QUORVANE PACKAGE
 
-Copies the project beside this file into a temporary folder, builds it with CMake (against the package in
-FOLDER) or with its Makefile (with the make fragment FILE), and changes one thing after another.
+Copies the project beside this file into a temporary folder, builds it with CMake (PACKAGE is the folder of the
+package) or with its Makefile (PACKAGE is the make fragment), and changes one thing after another.
 """
-
-import argparse
 import os
-import pathlib
 import shutil
 import subprocess
 import sys
 import tempfile
 import time
+from pathlib import Path
 
-HERE = pathlib.Path(__file__).resolve().parent
-IMAGE = HERE.parent.parent / "examples/firmware/firmware.elf"
-GENERATORS = {"ninja": "Ninja", "unix-makefiles": "Unix Makefiles"}
+HERE = Path(__file__).resolve().parent
+IMAGE = HERE.parents[1] / "examples/firmware/firmware.elf"
+TOOL, QUORVANE, PACKAGE = sys.argv[1:]
+BY_MAKE = TOOL == "make"
+GENERATOR = {"ninja": "Ninja", "unix-makefiles": "Unix Makefiles"}.get(TOOL)
 RAN = "say: version"
-
-
-def expect(condition, what, output=""):
-    if not condition:
-        sys.exit(f"FAILED: {what}\n{output}")
 
 
 class Project:
     """The project in a folder of its own, whose name has a blank where the tool allows one."""
 
-    def __init__(self, arguments, folder):
-        self.arguments = arguments
-        self.by_make = arguments.tool == "make"
-        self.source = folder / ("project" if self.by_make else "the project")
-        self.build = self.source if self.by_make else folder / "the build"
+    def __init__(self, folder):
+        self.source = folder / ("project" if BY_MAKE else "the project")
+        self.build = self.source if BY_MAKE else folder / "the build"
         shutil.copytree(HERE / "post_build", self.source)
         shutil.copy(IMAGE, self.source / "linked.elf")
-        self.image = self.build / "firmware.elf"
-        self.output = self.build / "stamped.elf"
         self.definitions = {"VERSION": "1", "SLOT": ""}
 
-    def command(self, words):
-        environment = {**os.environ, "LC_ALL": "C"}
-        environment.pop("MAKEFLAGS", None)
-        environment.pop("MAKELEVEL", None)
-        run = subprocess.run(words, cwd=self.source, env=environment, text=True, timeout=120,
+    def command(self, *words):
+        environment = {name: value for name, value in os.environ.items() if not name.startswith("MAKE")}
+        run = subprocess.run(words, cwd=self.source, env=environment | {"LC_ALL": "C"}, text=True,
                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
         return run.returncode, run.stdout
 
     def make(self, **definitions):
-        """Builds with these definitions; gives the exit status and what was printed."""
         self.definitions.update(definitions)
-        words = [f"{name}={value}" for name, value in self.definitions.items()]
-        if self.by_make:
-            return self.command(["make", "-j2", f"QUORVANE={self.arguments.quorvane}",
-                                 f"QUORVANE_MK={self.arguments.fragment}", *words])
+        words = ["%s=%s" % item for item in self.definitions.items()]
+        if BY_MAKE:
+            return self.command("make", "-j2", "QUORVANE=" + QUORVANE, "QUORVANE_MK=" + PACKAGE, *words)
         if definitions or not self.build.exists():
-            status, output = self.command(
-                ["cmake", "-S", ".", "-B", self.build, "-G", GENERATORS[self.arguments.tool],
-                 f"-DQuorvane_DIR={self.arguments.package}", *(f"-D{word}" for word in words)])
+            status, output = self.command("cmake", "-S", ".", "-B", self.build, "-G", GENERATOR,
+                                          "-DQuorvane_DIR=" + PACKAGE, *("-D" + word for word in words))
             if status != 0:
                 return status, output
-        return self.command(["cmake", "--build", self.build, "--parallel", "2"])
+        return self.command("cmake", "--build", self.build, "--parallel", "2")
 
-    def touch(self, name):
-        """Makes a source file newer than everything that has been built."""
-        time.sleep(0.05)
-        os.utime(self.source / name)
+    def expect(self, what, runs, fails="", prints="", **definitions):
+        """Builds with these definitions. The script runs or doesn't; the build is good, or fails with a text."""
+        status, output = self.make(**definitions)
+        text = " ".join(output.split())
+        if (RAN in text, status != 0) != (runs, bool(fails)) or fails not in text or prints not in text:
+            sys.exit("FAILED: %s\n%s" % (what, output))
 
     def version(self):
-        """The version word of the output, found by where it differs from the linker's image."""
-        if not self.output.exists():
-            return "no output"
-        old, new = self.image.read_bytes(), self.output.read_bytes()
-        changed = [at for at in range(0, len(old), 4) if old[at:at + 4] != new[at:at + 4]]
-        if len(changed) != 1:
-            return f"{len(changed)} words changed"
-        return int.from_bytes(new[changed[0]:changed[0] + 4], "little")
+        """The version word of the output, which is all that differs from the linker's image."""
+        new, old = (self.build / "stamped.elf").read_bytes(), IMAGE.read_bytes()
+        words = {new[at:at + 4] for at in range(0, len(old), 4) if old[at:at + 4] != new[at:at + 4]}
+        return [int.from_bytes(word, "little") for word in words]
 
 
-def check_rebuilds(project):
-    status, output = project.make()
-    expect(status == 0 and RAN in output, "the first build runs the script", output)
-    expect(project.version() == 1, "the version is in the copy", output)
-    expect(project.image.exists() and project.image.read_bytes() == IMAGE.read_bytes(),
-           "the linker's image is untouched", output)
+def main(folder):
+    project = Project(folder)
+    project.expect("the first build runs the script", True)
+    assert project.version() == [1] and (project.build / "firmware.elf").read_bytes() == IMAGE.read_bytes()
+    project.expect("a second build runs nothing", False)
+    project.expect("another definition runs the script", True, VERSION="7")
+    assert project.version() == [7]
+    project.expect("the same definition runs nothing", False, VERSION="7")
+    for name in ("stamp.js", "tools/say.js", "linked.elf"):
+        time.sleep(0.05)  # so that it is newer than everything that has been built
+        os.utime(project.source / name)
+        project.expect("a newer %s runs the script" % name, True)
+        project.expect("then it runs nothing more", False)
 
-    status, output = project.make()
-    expect(status == 0 and RAN not in output, "a second build runs nothing", output)
-
-    status, output = project.make(VERSION="7")
-    expect(status == 0 and project.version() == 7, "another definition runs the script", output)
-    status, output = project.make(VERSION="7")
-    expect(status == 0 and RAN not in output, "the same definition runs nothing", output)
-
-    for name, path in {"script": "stamp.js", "library": "tools/say.js", "image": "linked.elf"}.items():
-        project.touch(path)
-        status, output = project.make()
-        expect(status == 0 and RAN in output, f"a newer {name} runs the script", output)
-        status, output = project.make()
-        expect(status == 0 and RAN not in output, f"then a newer {name} runs nothing more", output)
-
-
-def check_failures(project):
     for slot, text in {"broken": "error: line", "unsaved": "has not saved its output"}.items():
-        status, output = project.make(SLOT=slot)
-        expect(status != 0 and text in output, f"a script that is {slot} fails the build", output)
-        expect(not project.output.exists(), f"a script that is {slot} leaves no image", output)
-        status, output = project.make()
-        expect(status != 0 and RAN in output, f"a script that is {slot} runs again", output)
-    status, output = project.make(SLOT="a")
-    expect(status == 0 and "slot [a]" in output, "the build recovers", output)
+        project.expect("a script that is %s fails the build" % slot, True, text, SLOT=slot)
+        assert not (project.build / "stamped.elf").exists(), slot
+        project.expect("a script that is %s runs again" % slot, True, text)
+    project.expect("the build recovers", True, prints="slot [a]", SLOT="a")
+    if not BY_MAKE:
+        project.expect("a value arrives as written", True, prints="slot [two words; one $value]",
+                       SLOT="two words; one $value")
 
-    if not project.by_make:
-        status, output = project.make(SLOT="two words; one $value")
-        expect(status == 0 and "slot [two words; one $value]" in output, "a value arrives as written", output)
-
-
-def check_refusals(project):
-    refusals = [({"SLOT": "a=b"}, 'has a second "="')]
-    if project.by_make:
-        refusals += [({"SLOT": "a b"}, '"b" is not of the form name=value')]
+    project.expect("refused", False, 'has a second "="', SLOT="a=b")
+    if BY_MAKE:
+        project.expect("refused", False, '"b" is not of the form name=value', SLOT="a b")
     else:
-        refusals += [({"SLOT": "", "EXTRA": extra}, text) for extra, text in (
-            ("DEFINE;plain", '"plain" is not of the form name=value'),
-            ("DEFINE;output=there.elf", "define input and output"),
-            ("LIBRARY;nowhere", "there is no LIBRARY nowhere"))]
-    for definitions, text in refusals:
-        status, output = project.make(**definitions)
-        expect(status != 0 and text in " ".join(output.split()), f"{definitions} is refused", output)
-        expect(RAN not in output, f"{definitions} is refused before anything runs", output)
+        for extra, text in (("DEFINE;plain", '"plain" is not of the form name=value'),
+                            ("DEFINE;output=there.elf", "define input and output"),
+                            ("LIBRARY;nowhere", "there is no LIBRARY nowhere")):
+            project.expect("refused", False, text, SLOT="", EXTRA=extra)
 
 
-def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("--tool", required=True, choices=[*GENERATORS, "make"])
-    parser.add_argument("--quorvane", required=True)
-    parser.add_argument("--package")
-    parser.add_argument("--fragment")
-    arguments = parser.parse_args()
-    with tempfile.TemporaryDirectory() as folder:
-        project = Project(arguments, pathlib.Path(folder))
-        check_rebuilds(project)
-        check_failures(project)
-        check_refusals(project)
-
-
-if __name__ == "__main__":
-    main()
+with tempfile.TemporaryDirectory() as name:
+    main(Path(name))

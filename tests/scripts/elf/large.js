@@ -1,6 +1,5 @@
 // 16 MiB in and out again.
-// max cpu: 0.5
-// max memory: 800
+// max memory: 600
 // expect: 16777216 true true
 var size = 0x1000000;
 var image = [0x7F, 0x45, 0x4C, 0x46, 1, 1, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 0, 40, 0, 1, 0, 0, 0, 0, 0, 0, 0, 52, 0, 0, 0,

@@ -1,5 +1,4 @@
 // args: -load {root}/lib/number.js -load {root}/lib/crc.js
-// max cpu: 2.0
 // The values over the digits are the published check values, those over the large array come from other programs.
 function show(label, value) {
     WScript.Echo(label + ": " + value + "\n");

@@ -1,6 +1,5 @@
 // Long arrays in the ways that programs use them: filled from either end, as a stack, as a queue, sorted.
-// max cpu: 3.0
-// max memory: 250
+// max memory: 100
 function show(label, value) {
     WScript.Echo(label + ": " + value + "\n");
 }

@@ -1,6 +1,5 @@
 // Lengths far beyond what is there cost nothing.
-// max cpu: 1.0
-// max memory: 80
+// max memory: 50
 function show(label, value) {
     WScript.Echo(label + ": " + value + "\n");
 }
@@ -71,4 +70,4 @@ delete Object.prototype[70000];
 // expect: an element that adds one: xolate xolate
 // expect: too long: NaN
 // expect: inherited: ;inherited 1=inherited (2)inherited
-// expect error: line 56: length too large
+// expect error: line 55: length too large
