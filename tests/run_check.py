@@ -104,6 +104,11 @@ def check_command_line(runner):
         actual = runner.run(*words, text=text)
         fits = actual[0] == status and re.fullmatch(out, actual[1], re.DOTALL) and re.fullmatch(err, actual[2])
         runner.hold("quorvane-check %s" % words, actual if not fits else None, None)
+    for words in (["--help"], ["--listing", "f.js"]):
+        with open("/dev/full", "wb") as full:
+            run = subprocess.run([runner.checker, *words], cwd=runner.folder, stdout=full, stderr=subprocess.PIPE)
+        runner.hold("output lost", (run.returncode, run.stderr),
+                    (2, b"quorvane-check: cannot write the standard output\n"))
 
 
 def check_names(runner, quorvane):

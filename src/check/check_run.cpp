@@ -171,8 +171,24 @@ int checkFiles(const Options& options) {
     if (options.json) {
         std::cout << QJsonDocument(json).toJson(QJsonDocument::Indented).constData();
     }
+    return status;
+}
+
+int run(int argc, char** argv) {
+    const std::optional<Options> options = readOptions(argc, argv);
+    if (!options) {
+        return NotChecked;
+    }
+    int status = Clean;
+    if (options->help) {
+        std::cout << usage;
+    } else if (options->version) {
+        std::cout << "quorvane-check " << releaseIdentifier << '\n';
+    } else {
+        status = checkFiles(*options);
+    }
     if (!std::cout.flush()) {
-        std::cerr << "quorvane-check: cannot write to standard output\n";
+        std::cerr << "quorvane-check: cannot write the standard output\n";
         return NotChecked;
     }
     return status;
@@ -182,19 +198,7 @@ int checkFiles(const Options& options) {
 
 int runCheck(int argc, char** argv) {
     try {
-        const std::optional<Options> options = readOptions(argc, argv);
-        if (!options) {
-            return NotChecked;
-        }
-        if (options->help) {
-            std::cout << usage;
-            return Clean;
-        }
-        if (options->version) {
-            std::cout << "quorvane-check " << releaseIdentifier << '\n';
-            return Clean;
-        }
-        return checkFiles(*options);
+        return run(argc, argv);
     } catch (...) {
         std::cerr << "Internal error detected\n";
         return NotChecked;

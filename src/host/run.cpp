@@ -135,6 +135,10 @@ int runQuorvane(int argc, char** argv) {
         }
         context = std::make_unique<ESContext>();
         runScripts(context, arguments);
+        // Closing tells what some file systems find out late.
+        if (std::ferror(stdout) != 0 || std::fclose(stdout) != 0) {
+            throw HException(outputLost);
+        }
         return EXIT_SUCCESS;
     } catch (const HException& failure) {
         std::fprintf(stderr, "error: %s\n", failure.text().c_str());

@@ -1,6 +1,7 @@
 #include "hostobjects/wscript_class.h"
 
 #include "runtime/context.h"
+#include "runtime/failures.h"
 
 #include <cstdio>
 
@@ -29,6 +30,8 @@ void WScriptESClass::call(ESContext& ctx, ESObject* fn, ESObject* thisObject, st
         return;
     }
     // Through stdio and without a flush or a line end: scripts print in pieces. A NUL ends the text.
-    std::fputs(ctx.toString(argv[0]).toLatin1().constData(), stdout);
+    if (std::fputs(ctx.toString(argv[0]).toLatin1().constData(), stdout) < 0) {
+        throw HException(outputLost);
+    }
     argv[0] = undefinedValue();
 }

@@ -3,6 +3,9 @@
 
 #include "runtime/native_class.h"
 
+// The failure that ends a run when what it printed doesn't arrive.
+inline constexpr char outputLost[] = "cannot write the standard output";
+
 // To be created before any script runs, given `init`, and kept until the context is gone.
 class WScriptESClass : public ESClass {
 public:
