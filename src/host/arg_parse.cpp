@@ -1,18 +1,10 @@
 #include "host/arg_parse.h"
 
-#include <array>
+#include "hostobjects/file_helpers.h"
+
+#include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
-#include <memory>
-
-namespace {
-
-struct FileCloser {
-    void operator()(FILE* file) const { std::fclose(file); }
-};
-
-} // namespace
 
 void ArgParse::parseArguments(std::span<const char* const> words, std::int32_t pass) {
     for (std::size_t i = 0; i < words.size(); ++i) {
@@ -71,32 +63,41 @@ const ArgParse::OptionEntry* ArgParse::findJoined(std::string_view word) const {
 }
 
 void ArgParse::parseIndirectFile(const char* path, std::int32_t pass) {
-    if (tooDeep_) {
+    if (tooMany_) {
         return;
     }
-    if (indirectDepth_ == maxIndirectDepth) {
+    if (indirectDepth_ == maxIndirectDepth || indirectFiles_ == maxIndirectFiles) {
         errorStream() << "too many indirect files\n";
-        // A file that names itself twice would be opened 2^100 times on the way back. Once is enough to tell.
-        tooDeep_ = true;
+        // A file that names itself twice would be told of 2^100 times on the way back. Once is enough.
+        tooMany_ = true;
         return;
     }
-    const std::unique_ptr<FILE, FileCloser> file(std::fopen(path, "re"));
-    if (file == nullptr) {
-        const int reason = errno;
-        errorStream() << "can't open indirect file " << path << ": " << std::strerror(reason) << '\n';
+    ++indirectFiles_;
+    const UniqueFd file = openForReading(QString::fromLatin1(path));
+    if (!file.isOpen()) {
+        reportFile("can't open", path, errno);
         return;
     }
+    const std::size_t left = maxIndirectBytes - indirectBytes_;
+    const QByteArray content = readUpTo(file.get(), left + 1);
+    if (const int reason = static_cast<std::size_t>(content.size()) > left ? EFBIG : errno; reason != 0) {
+        reportFile("can't read", path, reason);
+        return;
+    }
+    indirectBytes_ += static_cast<std::size_t>(content.size());
     ++indirectDepth_;
-    std::array<char, 1024> line; // a longer line comes in pieces, each a line of its own
-    for (std::int32_t number = 1; std::fgets(line.data(), int{line.size()}, file.get()) != nullptr;
-         ++number) {
+    std::string_view rest(content.constData(), static_cast<std::size_t>(content.size()));
+    for (std::int32_t number = 1; !rest.empty(); ++number) {
+        // A longer line comes in pieces, each a line of its own.
+        const std::string line(rest.substr(0, std::min(rest.find('\n'), maxLineLength - 1) + 1));
+        rest.remove_prefix(line.size());
         if (line[0] != '#') {
-            parseArguments(tokenizeLine(path, number, line.data()), pass);
+            parseArguments(tokenizeLine(path, number, line.c_str()), pass);
         }
     }
     --indirectDepth_;
     if (indirectDepth_ == 0) {
-        tooDeep_ = false;
+        tooMany_ = false;
     }
 }
 
@@ -127,6 +128,10 @@ std::vector<const char*> ArgParse::tokenizeLine(const char* path, std::int32_t l
         at += length + (quoted ? 1 : 0);
     }
     return words;
+}
+
+void ArgParse::reportFile(const char* what, const char* path, int reason) {
+    errorStream() << what << " indirect file " << path << ": " << std::strerror(reason) << '\n';
 }
 
 void ArgParse::reportLine(const char* text, const char* path, std::int32_t lineNumber) {

@@ -34,6 +34,9 @@ struct ArgOption {
 class ArgParse {
 public:
     static constexpr std::int32_t maxIndirectDepth = 100;
+    static constexpr std::int32_t maxIndirectFiles = 4096;                // opened by one parser
+    static constexpr std::size_t maxIndirectBytes = std::size_t{1} << 24; // read by one parser
+    static constexpr std::size_t maxLineLength = 1023;
     static constexpr std::size_t maxLineWords = 256;
 
     explicit ArgParse(ErrorReporter& target) : reporter_(target) {}
@@ -43,7 +46,8 @@ public:
 
     // Walks the words, without the program's name. Options and other words may mix freely.
     void parseArguments(std::span<const char* const> words, std::int32_t pass);
-    // Walks the words of each line of a file by itself. Lines that begin with "#" are comments.
+    // Walks the words of each line of a file by itself. Lines that begin with "#" are comments. A file that
+    // passes a limit has no effect but the error.
     void parseIndirectFile(const char* path, std::int32_t pass);
     // Walks the words of the text, taken as one line.
     void parseCommandString(const char* text, std::int32_t pass);
@@ -63,10 +67,13 @@ private:
     using OptionEntry = std::map<std::string_view, ArgOption>::value_type;
 
     const OptionEntry* findJoined(std::string_view word) const;
+    void reportFile(const char* what, const char* path, int reason);
     void reportLine(const char* text, const char* path, std::int32_t lineNumber);
 
     ErrorReporter& reporter_;
     std::int32_t indirectDepth_ = 0; // indirect files open at this moment
-    bool tooDeep_ = false;           // the limit was met below the outermost of them
+    std::int32_t indirectFiles_ = 0; // and all in all
+    std::size_t indirectBytes_ = 0;
+    bool tooMany_ = false; // a limit was met below the outermost of them
     std::deque<std::string> ownedWords_;
 };

@@ -40,6 +40,7 @@ UniqueFd openFile(const QString& path, int flags) {
     struct stat status {};
     if (fd.isOpen() && (fstat(fd.get(), &status) != 0 || S_ISDIR(status.st_mode))) {
         fd.close();
+        errno = EISDIR;
     }
     return fd;
 }
@@ -156,11 +157,13 @@ QByteArray readUpTo(int fd, std::size_t most) {
         if (count < 0 && errno == EINTR) {
             continue;
         }
-        if (count <= 0) {
+        used += std::max<ssize_t>(count, 0);
+        if (count <= 0 || used == static_cast<qsizetype>(most)) {
+            const int reason = count < 0 ? errno : 0;
             bytes.truncate(used);
+            errno = reason;
             return bytes;
         }
-        used += count;
     }
 }
 

@@ -44,11 +44,11 @@ std::uint64_t fileSize(const QString& path);
 
 // Opens the file with exactly the bytes of `path` as its name. For writing a missing file is made (0666 less
 // the umask) and old content is dropped. A directory doesn't open. The descriptor is closed on exec; it isn't
-// open when that failed.
+// open when that failed, and errno has the reason.
 UniqueFd openForReading(const QString& path);
 UniqueFd openForWriting(const QString& path);
 
-// Reads to the end, or until there are `most` bytes or reading fails.
+// Reads to the end, or until there are `most` bytes or reading fails; errno is 0 unless it failed.
 QByteArray readUpTo(int fd, std::size_t most);
 // False when not all could be written.
 bool writeAll(int fd, const char* bytes, std::size_t count);

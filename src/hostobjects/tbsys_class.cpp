@@ -100,17 +100,22 @@ bool writeByteArrayToFile(ESContext& ctx, const ESValue* argv) {
     return true;
 }
 
-// UTF-8, unless a mark at the beginning says otherwise. Carriage returns are left out.
+// UTF-8, unless a mark at the beginning says otherwise. Carriage returns are left out. Read in pieces, and no
+// further than a text can go: newString refuses what is longer.
 ESValue readStringFromFile(ESContext& ctx, const QString& path) {
-    constexpr std::size_t mostBytes = 4 * std::size_t{ESText::maxLength}; // none of more makes a text
+    constexpr std::size_t piece = 0x10000;
     const UniqueFd file = openForReading(path);
     if (!file.isOpen()) {
         return undefinedValue();
     }
-    const QByteArray bytes = readUpTo(file.get(), mostBytes);
-    const auto encoding = QStringConverter::encodingForData(bytes).value_or(QStringConverter::Utf8);
-    QString text = QStringDecoder(encoding)(bytes);
-    text.remove(u'\r');
+    QByteArray bytes = readUpTo(file.get(), piece);
+    QStringDecoder decoder(QStringConverter::encodingForData(bytes).value_or(QStringConverter::Utf8));
+    QString text;
+    while (!bytes.isEmpty() && text.size() <= static_cast<qsizetype>(ESText::maxLength)) {
+        QString part = decoder(bytes);
+        text += part.remove(u'\r');
+        bytes = readUpTo(file.get(), piece);
+    }
     return ctx.newString(text);
 }
 
