@@ -6,7 +6,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     constexpr std::int64_t mostSteps = 20'000;
-    const std::string program = ProgramGenerator({data, size}).program();
+    const std::string program = generateProgram({data, size});
     static const bool show = std::getenv("QUORVANE_FUZZ_SHOW") != nullptr;
     if (show) {
         std::fputs(program.c_str(), stderr);

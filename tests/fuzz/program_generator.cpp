@@ -1,81 +1,67 @@
 #include "program_generator.h"
 
+#include "fuzz_target.h"
+
+#include <map>
+#include <sstream>
 #include <utility>
+#include <vector>
 
 namespace {
 
-constexpr int mostDepth = 5;
-
-constexpr const char* variables[] = {"a", "b", "c", "d", "f", "g", "o", "s", "v"};
-
-constexpr const char* memberNames[] = {"x",           "y",        "n",       "length", "prototype",
-                                       "constructor", "toString", "valueOf", "f",      "name",
-                                       "message",     "0",        "1",       "callee"};
-
-constexpr const char* binaryOperators[] = {"+",   "-", "*", "/",  "%",  "&",  "|",  "^",  "<<", ">>",
-                                           ">>>", "<", ">", "<=", ">=", "==", "!=", "&&", "||"};
-
-constexpr const char* assignments[] = {
-    "=", "=", "+=", "-=", "*=", "/=", "%=", "&=", "|=", "^=", "<<=", ">>=", ">>>="};
-
-constexpr const char* literals[] = {
-    "0",    "1",          "2",   "3",        "-1",           "1.5",           "100",  "4294967295",
-    "1e21", "0x7fffffff", "NaN", "Infinity", "undefined",    "null",          "true", "false",
-    "''",   "'x'",        "'7'", "'length'", "'some words'", "'\\x00\\u1234'"};
-
-constexpr const char* memberFunctions[] = {"toString",
-                                           "valueOf",
-                                           "hasOwnProperty",
-                                           "isPrototypeOf",
-                                           "propertyIsEnumerable",
-                                           "concat",
-                                           "join",
-                                           "pop",
-                                           "push",
-                                           "reverse",
-                                           "shift",
-                                           "slice",
-                                           "sort",
-                                           "charAt",
-                                           "charCodeAt",
-                                           "indexOf",
-                                           "lastIndexOf",
-                                           "substring",
-                                           "toLowerCase",
-                                           "toUpperCase",
-                                           "localeCompare",
-                                           "toFixed",
-                                           "toLocaleString"};
-
-// Nothing that depends on the clock.
-constexpr const char* functions[] = {"Math.abs",
-                                     "Math.floor",
-                                     "Math.max",
-                                     "Math.min",
-                                     "Math.pow",
-                                     "Math.round",
-                                     "Math.sqrt",
-                                     "String",
-                                     "Number",
-                                     "Boolean",
-                                     "Array",
-                                     "Object",
-                                     "Error",
-                                     "isNaN",
-                                     "isFinite",
-                                     "String.fromCharCode",
-                                     "new Array",
-                                     "new Object",
-                                     "new String",
-                                     "new Number",
-                                     "new Boolean",
-                                     "new TypeError",
-                                     "ElfFile.peekUint32",
-                                     "ElfFile.pokeUint32",
-                                     "ElfFile.peekBytes",
-                                     "ElfFile.pokeBytes",
-                                     "ElfFile.crc32",
-                                     "TBSys.crc32"};
+// Rules with their alternatives, parted by " @ "; $name is another rule, or one of the generator's own:
+//   $body    a block of a function         $local   a name within a function, else a global one
+//   $jump    out of a loop or a function   $quoted  a statement as a string literal
+// An alternative with # is a loop, and # its number. Below some depth an `expr` is a `leaf`, a `statement` is
+// `simple`.
+constexpr char grammar[] = R"(statement: $simple @ $simple @ $simple @ $nesting
+simple: var $name = $expr; @ WScript.Echo($expr + '\n'); @ $jump @ $call; @ $place = $expr; @ v = eval($quoted);
+ @ v = $expr; @ $name = $int; @ $place $assign $expr;
+nesting: if ($expr) $block @ if ($test) $block else $block @ $loop @ $loop @ switch ($expr) { $cases }
+ @ with ($expr) $block @ function $f($params) $body @ function $f($params) $body v = $f($args);
+block: { } @ { $statement } @ { $statement $statement } @ { $statement $statement $statement }
+loop: L#: for (var i# = 0; i# < $limit; i#++) $block @ L#: for ($place = 0, i# = 0; i#++ < $limit; $expr) $block
+ @ L#: do $block while (d++ < $limit); @ i# = $limit; L#: while (i#-- > 0) $block @ L#: for ($place in $expr) $block
+ @ L#: for (var $name in $expr) $block
+limit: 0 @ 1 @ 2 @ 3 @ 5 @ 8 @ 11
+cases: $case @ $case $case @ $case default: $block $case @ default: $block break; $case @ $case $case $case default: $block
+case: case $expr: $block @ case $int & 3: $block break;
+params:  @ x @ x, y @ a, b, c @ x, x
+args:  @ $expr @ $expr, $expr @ $expr, $expr, $expr
+f: f @ g @ h
+expr: $literal @ $place @ $place @ $call @ $native @ ($place $assign $expr) @ $operation @ $operation @ $operation @ $int
+leaf: $literal @ $name
+operation: ($expr ? $expr : $expr) @ ($unary$place) @ ($place$step) @ ($step$place) @ [$args] @ $function
+ @ {$key: $expr, f: $function} @ ($expr $binary $expr) @ ($expr $binary $expr) @ ($expr $binary $expr)
+ @ ($int $binary $int) @ ($text + $expr) @ ($test)
+int: ($expr | 0) @ ($expr & 15) @ ($int + $int | 0) @ $name @ $small
+small: 0 @ 1 @ 2 @ 7 @ 65537
+test: $int $compare $int @ $expr && $expr @ $text $compare $text @ !$expr
+text: s @ 'x' @ ('' + $expr) @ (s + $int).slice($small) @ c.join('-')
+unary: - @ + @ ~ @ ! @ typeof  @ void  @ delete 
+step: ++ @ --
+compare: < @ <= @ > @ >= @ == @ !=
+binary: + @ - @ * @ / @ % @ & @ | @ ^ @ << @ >> @ >>> @ && @ || @ $compare @ $compare
+assign: = @ += @ -= @ *= @ /= @ %= @ &= @ |= @ ^= @ <<= @ >>= @ >>>=
+literal: $small @ 3 @ -1 @ 1.5 @ 100 @ 4294967295 @ 1e21 @ 0x7fffffff @ NaN @ Infinity @ undefined @ null @ true
+ @ false @ '' @ 'x' @ '7' @ 'length' @ 'some words' @ '\x00\u1234'
+name: a @ b @ c @ d @ f @ g @ o @ s @ v @ $local @ $local @ $local
+global: a @ o @ u
+place: $name @ $name @ $name.$member @ $self.$member @ c[$small] @ $name[$expr] @ $name[$expr]
+self: this @ arguments @ o @ c
+member: x @ y @ n @ length @ prototype @ constructor @ toString @ valueOf @ f @ name @ message @ callee
+key: x @ y @ n @ toString @ valueOf @ 0
+call: (new $f($args)) @ (new o.f($args)) @ $name.f($args) @ $function($args) @ $name($args) @ $f($args) @ show($args)
+function: (function ($params) $body)
+native: $name.$method($args) @ ($callable($args))
+method: toString @ valueOf @ hasOwnProperty @ isPrototypeOf @ propertyIsEnumerable @ concat @ join @ pop @ push
+ @ reverse @ shift @ slice @ sort @ charAt @ charCodeAt @ indexOf @ lastIndexOf @ substring @ toLowerCase @ toUpperCase
+ @ localeCompare @ toFixed @ toLocaleString
+callable: Math.abs @ Math.floor @ Math.max @ Math.min @ Math.pow @ Math.round @ Math.sqrt @ String @ Number @ Boolean
+ @ Array @ Object @ Error @ isNaN @ isFinite @ String.fromCharCode @ new Array @ new Object @ new String @ new Number
+ @ new Boolean @ new TypeError @ ElfFile.peekUint32 @ ElfFile.pokeUint32 @ ElfFile.peekBytes @ ElfFile.pokeBytes
+ @ ElfFile.crc32 @ TBSys.crc32
+)";
 
 // show() prints what a value is, down to some depth, by the names that a loop over it finds.
 constexpr char prelude[] =
@@ -90,296 +76,125 @@ function show(x, depth) {
     return r + '}';
 }
 )";
-
 constexpr char epilogue[] = R"(
-WScript.Echo(show(a, 0) + '\n'); WScript.Echo(show(b, 0) + '\n'); WScript.Echo(show(c, 0) + '\n');
-WScript.Echo(show(d, 0) + '\n'); WScript.Echo(show(s, 0) + '\n'); WScript.Echo(show(v, 0) + '\n');
-WScript.Echo(show(o, 0) + '\n'); WScript.Echo(show(f.x, 0) + '\n'); WScript.Echo(show(g.x, 0) + '\n');
+var all = [a, b, c, d, s, v, o, f.x, g.x];
+for (var at = 0; at < 9; at++) { WScript.Echo(show(all[at], 0) + '\n'); }
 )";
+
+using Rules = std::map<std::string, std::vector<std::string>>;
+
+Rules readGrammar() {
+    Rules rules;
+    std::istringstream lines{std::string(grammar)};
+    std::string rule;
+    for (std::string line; std::getline(lines, line);) {
+        if (line[0] != ' ') {
+            rule = line.substr(0, line.find(':'));
+            line.replace(0, rule.size() + 1, " @");
+        }
+        for (std::size_t at = 0, end = 0; end != std::string::npos; at = end) {
+            end = line.find(" @ ", at + 3);
+            rules[rule].push_back(line.substr(at + 3, end - at - 3));
+        }
+    }
+    return rules;
+}
 
 std::string quoted(const std::string& text) {
     std::string result = "\"";
     for (const char c : text) {
-        if (c == '"' || c == '\\') {
-            result += '\\';
-        }
-        result += c == '\n' ? ' ' : c;
+        result += c == '"' || c == '\\' ? std::string("\\") + c : std::string(1, c);
     }
     return result + '"';
 }
 
+class Generator {
+public:
+    explicit Generator(std::span<const std::uint8_t> bytes) : choices_(bytes) {}
+
+    std::string program() {
+        std::string program = prelude;
+        while (!choices_.isEmpty()) {
+            // An error ends a text, and most statements have one; eval drops it.
+            const std::string text = made("statement", mostDepth);
+            program += choices_.oneIn(8) ? text + "\n" : "eval(" + quoted(text) + ");\n";
+        }
+        return program + epilogue;
+    }
+
+private:
+    static constexpr int mostDepth = 5;
+
+    std::string made(std::string rule, int depth) {
+        if (rule == "expr" || rule == "statement") {
+            rule = depth-- > 0 ? rule : rule == "expr" ? "leaf" : "simple";
+        } else if (rule == "local") {
+            rule = functions_ > 0 ? choices_.oneIn(2) ? "y" : "x" : "global";
+        } else if (rule == "jump") {
+            return jump(depth);
+        } else if (rule == "body" || rule == "quoted") {
+            return apart(rule, depth);
+        }
+        static const Rules rules = readGrammar();
+        const auto found = rules.find(rule);
+        // The names of a function's parameters stand for themselves.
+        return found == rules.end() ? rule
+                                    : filled(found->second[choices_.below(found->second.size())], depth);
+    }
+
+    std::string filled(const std::string& form, int depth) {
+        const bool isLoop = form.find('#') != std::string::npos;
+        if (isLoop) {
+            loops_.push_back(loopsMade_++);
+        }
+        std::string text;
+        for (std::size_t at = 0; at < form.size();) {
+            const char c = form[at++];
+            if (c == '$') {
+                const std::size_t end =
+                    std::min(form.find_first_not_of("abcdefghijklmnopqrstuvwxyz_", at), form.size());
+                text += made(form.substr(at, end - at), depth);
+                at = end;
+            } else {
+                text += c == '#' ? std::to_string(loops_.back()) : std::string(1, c);
+            }
+        }
+        if (isLoop) {
+            loops_.pop_back();
+        }
+        return text;
+    }
+
+    std::string jump(int depth) {
+        if (functions_ > 0 && choices_.oneIn(2)) {
+            return "return " + made("expr", depth) + ";";
+        }
+        if (loops_.empty()) {
+            return ";";
+        }
+        const std::string label = " L" + std::to_string(loops_[choices_.below(loops_.size())]);
+        return "if (" + made("expr", depth) + ") " + (choices_.oneIn(2) ? "break" : "continue") +
+               (choices_.oneIn(2) ? label : "") + ";";
+    }
+
+    // What no loop of this place reaches into: the statements of a function, and those of a text.
+    std::string apart(const std::string& rule, int depth) {
+        const std::vector<int> outerLoops = std::exchange(loops_, {});
+        const int outerFunctions = std::exchange(functions_, rule == "body" ? functions_ + 1 : 0);
+        const std::string text = rule == "body"
+                                     ? "{ " + made("block", depth) + " return " + made("expr", depth) + "; }"
+                                     : quoted(made("statement", depth));
+        functions_ = outerFunctions;
+        loops_ = outerLoops;
+        return text;
+    }
+
+    Choices choices_;
+    std::vector<int> loops_; // the numbers of those around this place within its function
+    int loopsMade_ = 0;
+    int functions_ = 0; // around this place
+};
+
 } // namespace
 
-std::string ProgramGenerator::program() {
-    std::string program = prelude;
-    while (!choices_.isEmpty()) {
-        statement(mostDepth);
-        // An error ends a text, and most statements have one; eval drops it.
-        const std::string text = std::exchange(text_, std::string());
-        program += choices_.oneIn(8) ? text : "eval(" + quoted(text) + ");\n";
-    }
-    return program + epilogue;
-}
-
-void ProgramGenerator::statement(int depth) {
-    if (depth > 1 && choices_.oneIn(3)) {
-        nestingStatement(depth - 1);
-    } else {
-        simpleStatement(depth);
-    }
-}
-
-void ProgramGenerator::simpleStatement(int depth) {
-    switch (choices_.below(8)) {
-    case 0:
-        text_ += "var " + name() + " = " + expression(depth - 1) + ";\n";
-        break;
-    case 1:
-        text_ += "WScript.Echo(" + expression(depth - 1) + " + '\\n');\n";
-        break;
-    case 2:
-        jump();
-        break;
-    case 3:
-        text_ += call(depth - 1) + ";\n";
-        break;
-    case 4:
-        text_ += place(depth - 1) + " = " + expression(depth - 1) + ";\n";
-        break;
-    case 5:
-        text_ += evaluated(depth) + ";\n";
-        break;
-    default:
-        text_ += "v = " + expression(depth) + ";\n";
-    }
-}
-
-void ProgramGenerator::nestingStatement(int depth) {
-    switch (choices_.below(8)) {
-    case 0:
-        text_ += "if (" + expression(depth) + ") ";
-        block(depth);
-        if (choices_.oneIn(2)) {
-            text_ += "else ";
-            block(depth);
-        }
-        break;
-    case 1:
-    case 2:
-        loop(depth);
-        break;
-    case 3:
-        forIn(depth);
-        break;
-    case 4:
-        switchStatement(depth);
-        break;
-    case 5:
-        text_ += "with (" + expression(depth) + ") ";
-        block(depth);
-        break;
-    default:
-        functionStatement(depth);
-    }
-}
-
-void ProgramGenerator::block(int depth) {
-    text_ += "{\n";
-    for (std::uint32_t count = choices_.below(4); count > 0; --count) {
-        statement(depth);
-    }
-    text_ += "}\n";
-}
-
-void ProgramGenerator::loop(int depth) {
-    const std::string number = std::to_string(loops_++);
-    const std::string counter = "i" + number;
-    const std::string limit = std::to_string(choices_.below(12));
-    labels_.push_back(choices_.oneIn(2) ? "L" + number : "");
-    text_ += labels_.back().empty() ? "" : labels_.back() + ": ";
-    switch (choices_.below(3)) {
-    case 0:
-        text_ += "for (var " + counter + " = 0; " + counter + " < " + limit + "; " + counter + "++) ";
-        block(depth);
-        break;
-    case 1: // the counter is one of the program's places, so the loop may end otherwise
-        text_ += "for (" + place(depth) + " = 0, " + counter + " = 0; " + counter + "++ < " + limit + "; " +
-                 expression(depth) + ") ";
-        block(depth);
-        break;
-    default:
-        text_ += "do ";
-        block(depth);
-        text_ += "while (d++ < " + limit + ");\n";
-    }
-    labels_.pop_back();
-}
-
-void ProgramGenerator::forIn(int depth) {
-    const std::string target = choices_.oneIn(2) ? "var " + name() : place(depth);
-    text_ += "for (" + target + " in " + expression(depth) + ") ";
-    labels_.emplace_back();
-    block(depth);
-    labels_.pop_back();
-}
-
-void ProgramGenerator::switchStatement(int depth) {
-    text_ += "switch (" + expression(depth) + ") {\n";
-    const std::uint32_t count = choices_.below(4);
-    const std::uint32_t byDefault = choices_.below(5);
-    for (std::uint32_t i = 0; i <= count; ++i) {
-        text_ += i == byDefault ? "default: " : "case " + expression(1) + ": ";
-        block(depth);
-        text_ += choices_.oneIn(2) ? "break;\n" : "";
-    }
-    text_ += "}\n";
-}
-
-void ProgramGenerator::functionStatement(int depth) {
-    const std::string called = pick({"f", "g", "h"});
-    text_ += "function " + called + "(" + pick({"", "x", "x, y", "a, b, c", "x, x"}) + ") ";
-    const std::vector<std::string> outerLoops = std::exchange(labels_, {});
-    ++functions_;
-    block(depth);
-    --functions_;
-    labels_ = outerLoops;
-    if (choices_.oneIn(2)) {
-        text_ += "v = " + called + "(" + arguments(depth) + ");\n";
-    }
-}
-
-void ProgramGenerator::jump() {
-    if (functions_ > 0 && choices_.oneIn(2)) {
-        text_ += "return " + expression(2) + ";\n";
-    } else if (!labels_.empty()) {
-        text_ += "if (" + expression(2) + ") " + pick({"break ", "continue "}) +
-                 labels_[choices_.below(labels_.size())] + ";\n";
-    }
-}
-
-std::string ProgramGenerator::expression(int depth) {
-    if (depth <= 0) {
-        return choices_.oneIn(2) ? literal() : name();
-    }
-    switch (choices_.below(10)) {
-    case 0:
-        return literal();
-    case 1:
-    case 2:
-        return place(depth - 1);
-    case 3:
-        return call(depth - 1);
-    case 4:
-        return nativeCall(depth - 1);
-    case 5:
-        return "(" + place(depth - 1) + " " + pick(assignments) + " " + expression(depth - 1) + ")";
-    default:
-        return operation(depth - 1);
-    }
-}
-
-std::string ProgramGenerator::operation(int depth) {
-    switch (choices_.below(12)) {
-    case 0:
-        return "(" + expression(depth) + " ? " + expression(depth) + " : " + expression(depth) + ")";
-    case 1:
-        return std::string("(") + pick({"-", "+", "~", "!", "typeof ", "void ", "delete "}) + place(depth) +
-               ")";
-    case 2:
-        return "(" + place(depth) + pick({"++", "--"}) + ")";
-    case 3:
-        return std::string("(") + pick({"++", "--"}) + place(depth) + ")";
-    case 4:
-        return "[" + arguments(depth) + "]";
-    case 5:
-        return "{" + std::string(pick({"x", "y", "n", "toString", "valueOf", "0"})) + ": " +
-               expression(depth) + ", f: " + functionExpression(depth) + "}";
-    case 6:
-        return functionExpression(depth);
-    default:
-        return "(" + expression(depth) + " " + pick(binaryOperators) + " " + expression(depth) + ")";
-    }
-}
-
-std::string ProgramGenerator::literal() { return pick(literals); }
-
-std::string ProgramGenerator::name() {
-    const std::uint32_t kind = choices_.below(16);
-    if (kind < std::size(variables)) {
-        return variables[kind];
-    }
-    if (loops_ > 0 && kind == 15) {
-        return "i" + std::to_string(loops_ - 1);
-    }
-    return functions_ > 0 ? pick({"x", "y", "x"}) : pick({"a", "o", "u"});
-}
-
-std::string ProgramGenerator::member() { return pick(memberNames); }
-
-std::string ProgramGenerator::place(int depth) {
-    switch (choices_.below(depth > 0 ? 6 : 3)) {
-    case 0:
-    case 1:
-        return name();
-    case 2: {
-        const std::string chosen = member();
-        const std::string base = choices_.oneIn(4) ? functions_ > 0 ? "arguments" : "this" : name();
-        return chosen[0] >= '0' && chosen[0] <= '9' ? base + "[" + chosen + "]" : base + "." + chosen;
-    }
-    default:
-        return name() + "[" + expression(depth - 1) + "]";
-    }
-}
-
-std::string ProgramGenerator::call(int depth) {
-    switch (choices_.below(5)) {
-    case 0:
-        return "(new " + std::string(pick({"f", "g", "h", "o.f"})) + "(" + arguments(depth) + "))";
-    case 1:
-        return name() + ".f(" + arguments(depth) + ")";
-    case 2:
-        return functionExpression(depth) + "(" + arguments(depth) + ")";
-    case 3:
-        return name() + "(" + arguments(depth) + ")";
-    default:
-        return std::string(pick({"f", "g", "show"})) + "(" + arguments(depth) + ")";
-    }
-}
-
-std::string ProgramGenerator::nativeCall(int depth) {
-    const std::string passed = "(" + arguments(depth) + ")";
-    return choices_.oneIn(2) ? name() + "." + pick(memberFunctions) + passed
-                             : "(" + (pick(functions) + passed) + ")";
-}
-
-std::string ProgramGenerator::arguments(int depth) {
-    std::string result;
-    for (std::uint32_t count = choices_.below(4); count > 0; --count) {
-        result += (result.empty() ? "" : ", ") + expression(depth - 1);
-    }
-    return result;
-}
-
-std::string ProgramGenerator::functionExpression(int depth) {
-    std::string outer = std::exchange(text_, std::string());
-    const std::vector<std::string> outerLoops = std::exchange(labels_, {});
-    ++functions_;
-    block(depth - 1);
-    text_.insert(2, "return " + expression(depth - 1) + ";\n");
-    --functions_;
-    labels_ = outerLoops;
-    return "(function (" + std::string(pick({"", "x", "x, y"})) + ") " +
-           std::exchange(text_, std::move(outer)) + ")";
-}
-
-std::string ProgramGenerator::evaluated(int depth) {
-    std::string outer = std::exchange(text_, std::string());
-    const std::vector<std::string> outerLoops = std::exchange(labels_, {});
-    const int outerFunctions = std::exchange(functions_, 0);
-    if (depth > 1) {
-        statement(depth - 2);
-    }
-    functions_ = outerFunctions;
-    labels_ = outerLoops;
-    return "v = eval(" + quoted(std::exchange(text_, std::move(outer))) + ")";
-}
+std::string generateProgram(std::span<const std::uint8_t> bytes) { return Generator(bytes).program(); }

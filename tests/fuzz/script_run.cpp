@@ -17,40 +17,25 @@
 #include <memory>
 #include <new>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define QUORVANE_METERED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define QUORVANE_METERED 1
-#endif
-#endif
-
-#ifdef QUORVANE_METERED
+#ifdef QUORVANE_METERED                                           // by AddressSanitizer
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes(); // g++ has no header for it
+static std::size_t usedMemory() { return __sanitizer_get_current_allocated_bytes(); }
 
-// No single piece of memory is larger, whatever a script asks for: the engine meets std::bad_alloc instead.
-extern "C" const char* __asan_default_options();
+// No single piece of memory is larger, whatever a script asks for: the engine meets std::bad_alloc instead of
+// the sanitizer's own operator new, which would end the process.
 extern "C" const char* __asan_default_options() {
-    return "allocator_may_return_null=1:max_allocation_size_mb=64:detect_stack_use_after_return=0";
+    return "allocator_may_return_null=1:max_allocation_size_mb=64:alloc_dealloc_mismatch=0:"
+           "detect_stack_use_after_return=0";
 }
-
-static void* allocate(std::size_t size) {
+void* operator new(std::size_t size) {
     if (void* memory = std::malloc(size != 0 ? size : 1)) {
         return memory;
     }
     throw std::bad_alloc();
 }
-
-// The sanitizers' own operator new would end the process.
-void* operator new(std::size_t size) { return allocate(size); }
-void* operator new[](std::size_t size) { return allocate(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return std::malloc(size != 0 ? size : 1);
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete[](void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
-void operator delete[](void* memory, std::size_t) noexcept { std::free(memory); }
+void* operator new[](std::size_t size) { return operator new(size); }
+#else
+static std::size_t usedMemory() { return 0; }
 #endif
 
 namespace {
@@ -81,14 +66,6 @@ public:
 
 private:
     static constexpr std::size_t mostMemory = std::size_t{512} << 20;
-
-    static std::size_t usedMemory() {
-#ifdef QUORVANE_METERED
-        return __sanitizer_get_current_allocated_bytes();
-#else
-        return 0;
-#endif
-    }
 
     std::int64_t left_;
 };
@@ -158,19 +135,13 @@ public:
     }
 };
 
-// Gives the end of a run that came as an ESFatalError, if it is one that a script can bring about.
-ScriptRun::End endOf(const QString& fault) {
-    if (fault == QLatin1String("virtual machine stack too small")) {
-        return ScriptRun::End::StackSmall;
-    }
-    for (const char* limit : {"operand too large", "patch constant too large", "jump target too large",
-                              "too many values on the stack"}) {
-        if (fault == QLatin1String("compiler error: ") + QLatin1String(limit)) {
-            return ScriptRun::End::TooLarge;
-        }
-    }
-    expect(false, fault.toLatin1().constData());
-    std::abort();
+// Tells whether a script can bring a fault of the system about.
+bool isLimit(const QString& fault) {
+    const QStringList limits = {
+        QStringLiteral("operand too large"), QStringLiteral("patch constant too large"),
+        QStringLiteral("jump target too large"), QStringLiteral("too many values on the stack")};
+    return fault == QLatin1String("virtual machine stack too small") ||
+           limits.contains(QString(fault).remove(QLatin1String("compiler error: ")));
 }
 
 // Shows a primitive; converting an object could run the script again.
@@ -180,46 +151,36 @@ std::string describe(ESContext& ctx, const ESValue& v) {
 
 } // namespace
 
-struct HostObjects::Classes {
-    EchoToText wscript;
-    TBSysWithoutSystem tbsys;
-    ElfFileInMemory elfFile;
-};
-
-HostObjects::HostObjects(std::string& output) : classes_(new Classes{EchoToText(output), {}, {}}) {}
-HostObjects::~HostObjects() = default;
-
-void HostObjects::addTo(ESContext& ctx) {
-    classes_->wscript.init(ctx);
-    classes_->tbsys.init(ctx);
-    classes_->elfFile.init(ctx);
-    ctx.put(ctx.globalObject, intern("load"), undefinedValue());
-}
-
 ScriptRun runScript(const QString& text, ScriptBounds bounds) {
     forgetAllRuns();
-    ScriptRun run{ScriptRun::End::Result, {}};
-    HostObjects hostObjects(run.output);
+    ScriptRun run;
+    EchoToText wscript(run.output);
+    TBSysWithoutSystem tbsys;
+    ElfFileInMemory elfFile;
     BoundedContext ctx(bounds);
-    const auto ended = [&](ScriptRun::End end, const std::string& how) {
+    const auto ended = [&run](ScriptRun::End end, const std::string& how) {
         run.end = end;
         run.output += how;
     };
     try {
         ctx.initContext();
-        hostObjects.addTo(ctx);
+        wscript.init(ctx);
+        tbsys.init(ctx);
+        elfFile.init(ctx);
+        ctx.put(ctx.globalObject, intern("load"), undefinedValue());
         const ESCompletion completion = ctx.evaluate(text);
         if (ctx.isOutOfSteps()) {
             throw OutOfSteps{};
         }
         reportResult(ctx, completion);
-        ended(ScriptRun::End::Result, "result: " + describe(ctx, completion.value));
+        ended(ScriptRun::End::Finished, "result: " + describe(ctx, completion.value));
     } catch (const HException& failure) {
-        ended(ScriptRun::End::Error, "error: " + failure.text());
+        ended(ScriptRun::End::Finished, "error: " + failure.text());
     } catch (const ESException&) {
-        ended(ScriptRun::End::Error, "error of an error");
+        ended(ScriptRun::End::Finished, "error of an error");
     } catch (const ESFatalError& fault) {
-        ended(endOf(fault.message), fault.message.toStdString());
+        expect(isLimit(fault.message), fault.message.toLatin1().constData());
+        ended(ScriptRun::End::TooLarge, fault.message.toStdString());
     } catch (const OutOfSteps&) {
         ended(ScriptRun::End::OutOfSteps, "out of steps");
     } catch (const OutOfMemory&) {

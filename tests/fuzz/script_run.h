@@ -6,7 +6,6 @@
 #include "runtime/context.h"
 
 #include <cstdint>
-#include <memory>
 #include <string>
 
 struct ScriptBounds {
@@ -16,29 +15,14 @@ struct ScriptBounds {
 
 struct ScriptRun {
     enum class End {
-        Result,
-        Error,      // of the script, or of the host objects
-        StackSmall, // the run needs more of the machine's or the native stack
-        TooLarge,   // the text is more than 16 bits can number
+        Finished, // by a result, or an error of the script or the host objects
+        TooLarge, // more than the stacks hold, or than 16 bits can number
         OutOfSteps,
         OutOfMemory,
     };
-    End end;
+    End end = End::Finished;
     std::string output; // what WScript.Echo printed, up to a bound, and how the run ended
 };
 
 // Ends the process for any other fault of the engine.
 ScriptRun runScript(const QString& text, ScriptBounds bounds);
-
-// The host objects as they are here; they must outlive the context.
-class HostObjects {
-public:
-    // Takes what WScript.Echo prints.
-    explicit HostObjects(std::string& output);
-    ~HostObjects();
-    void addTo(ESContext& ctx);
-
-private:
-    struct Classes;
-    std::unique_ptr<Classes> classes_;
-};
