@@ -24,6 +24,7 @@ from pathlib import Path
 TESTS = Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(TESTS))
 import run_script  # noqa: E402
+from support import write_files  # noqa: E402
 
 FIRMWARE = (TESTS.parent / "examples/firmware/firmware.elf").read_bytes()
 SCRIPTS = ["faults/image.js"] + ["scripts/%s.js" % name for name in (
@@ -172,9 +173,7 @@ def memory(program, options):
         expected = run_script.Expectations(script.read_bytes().decode("latin-1"), names)
 
         def prepare(folder, files=expected.files):
-            for name, content in files.items():
-                (folder / name).parent.mkdir(parents=True, exist_ok=True)
-                (folder / name).write_bytes(content)
+            write_files(folder, files)
 
         faults += refuse(script.name, program, prepare, expected.command(), MEMORY, [ONCE, FROM_THEN_ON],
                          options.runs, memory_offence)
