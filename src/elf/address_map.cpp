@@ -1,6 +1,8 @@
 #include "elf/address_map.h"
 
 #include <functional>
+#include <iterator>
+#include <numeric>
 #include <set>
 
 namespace {
@@ -60,4 +62,37 @@ void AddressMap::append(std::uint64_t start, std::uint64_t end, const AddressRun
     } else {
         runs_.push_back({start, end, data});
     }
+}
+
+ProgramFinder::ProgramFinder(const std::vector<AddressRun>& programs) : nodes_(programs.size() + 1) {
+    std::vector<std::size_t> order(programs.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::sort(order.begin(), order.end(),
+              [&](std::size_t a, std::size_t b) { return programs[a].start < programs[b].start; });
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        starts_.push_back(programs[order[i]].start);
+        for (std::size_t node = i + 1; node < nodes_.size(); node += node & -node) {
+            nodes_[node].push_back({programs[order[i]].end, order[i]});
+        }
+    }
+    for (std::vector<Entry>& node : nodes_) {
+        std::sort(node.begin(), node.end(), [](const Entry& a, const Entry& b) { return a.end > b.end; });
+        for (std::size_t i = 1; i < node.size(); ++i) {
+            node[i].first = std::min(node[i].first, node[i - 1].first);
+        }
+    }
+}
+
+std::optional<std::size_t> ProgramFinder::find(std::uint64_t start, std::uint64_t end) const {
+    std::size_t first = starts_.size();
+    const auto behind = std::upper_bound(starts_.begin(), starts_.end(), start);
+    for (auto node = static_cast<std::size_t>(behind - starts_.begin()); node > 0; node -= node & -node) {
+        const std::vector<Entry>& entries = nodes_[node];
+        const auto below = std::partition_point(entries.begin(), entries.end(),
+                                                [end](const Entry& entry) { return entry.end >= end; });
+        if (below != entries.begin()) {
+            first = std::min(first, std::prev(below)->first);
+        }
+    }
+    return first == starts_.size() ? std::nullopt : std::optional(first);
 }

@@ -51,3 +51,25 @@ private:
 
     std::vector<AddressRun> runs_; // ascending, apart from each other or of different data
 };
+
+// Which program header holds a range whole: the first in the file that does, as patches want it.
+class ProgramFinder {
+public:
+    ProgramFinder() = default;
+    // The runs in the order of the program headers.
+    explicit ProgramFinder(const std::vector<AddressRun>& programs);
+
+    // The number of the first run with start <= `start` and `end` <= end. An empty range may lie at a run's
+    // end.
+    std::optional<std::size_t> find(std::uint64_t start, std::uint64_t end) const;
+
+private:
+    struct Entry {
+        std::uint64_t end;
+        std::size_t first; // of the runs of this entry and those before it
+    };
+
+    // A Fenwick tree over the runs by their start; a node has its runs from the one that ends last downwards.
+    std::vector<std::uint64_t> starts_;
+    std::vector<std::vector<Entry>> nodes_;
+};

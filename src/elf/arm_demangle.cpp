@@ -97,6 +97,30 @@ struct ClassName {
     std::string shortName; // as its constructor is called
 };
 
+// What stands behind the base of a type. It grows at both ends, and a name may have thousands of steps.
+class Declarator {
+public:
+    bool isEmpty() const { return before_.empty() && behind_.empty(); }
+    bool isTooLong() const { return before_.size() + behind_.size() > maxDemangledLength; }
+    void prepend(std::string_view text) { before_.append(text.rbegin(), text.rend()); }
+    void append(std::string_view text) { behind_.append(text); }
+    // What begins with * or & binds looser than what is to stand behind it.
+    void wrapPointer() {
+        if (!before_.empty() && (before_.back() == '*' || before_.back() == '&')) {
+            wrap();
+        }
+    }
+    void wrap() {
+        prepend("(");
+        append(")");
+    }
+    std::string text() const { return std::string(before_.rbegin(), before_.rend()) + behind_; }
+
+private:
+    std::string before_; // backwards
+    std::string behind_;
+};
+
 // Every function reads one thing and returns false, with the cursor anywhere, when it isn't there.
 class ArmParser {
 public:
@@ -118,8 +142,8 @@ private:
     bool arguments(Cursor& cursor, bool remember, std::string& out);
     bool repeated(Cursor& cursor, bool remember, std::string& out);
     bool type(Cursor& cursor, std::string& out);
-    bool declarator(Cursor& cursor, std::string& declared, bool& more);
-    bool memberPointer(Cursor& cursor, std::string& declared);
+    bool declarator(Cursor& cursor, Declarator& declared, bool& more);
+    bool memberPointer(Cursor& cursor, Declarator& declared);
     bool baseType(Cursor& cursor, std::string& out);
 
     std::vector<std::string> known_; // the arguments so far, which later ones refer to by number
@@ -138,13 +162,6 @@ private:
 };
 
 bool tooLong(const std::string& text) { return text.size() > maxDemangledLength; }
-
-// Text that begins with * or & binds looser than what is to stand behind it.
-void wrapPointer(std::string& declared) {
-    if (declared.starts_with('*') || declared.starts_with('&')) {
-        declared = "(" + declared + ")";
-    }
-}
 
 bool ArmParser::name(std::string_view mangled, std::string& out) {
     return localName(mangled, out) || virtualTable(mangled, out) || qualifiedAlone(mangled, out) ||
@@ -167,18 +184,19 @@ bool ArmParser::virtualTable(std::string_view mangled, std::string& out) {
     if (!cursor.take("__vtbl__")) {
         return false;
     }
-    std::string tables;
+    std::vector<std::string> tables;
     do {
         ClassName cls;
         if (!className(cursor, cls)) {
             return false;
         }
-        tables = tables.empty() ? cls.full : cls.full + "::" + tables;
-        if (tooLong(tables)) {
-            return false;
-        }
+        tables.push_back(std::move(cls.full));
     } while (cursor.take("__"));
-    out = tables + " virtual table";
+    out.clear();
+    for (auto table = tables.rbegin(); table != tables.rend(); ++table) {
+        out.append(out.empty() ? "" : "::").append(*table);
+    }
+    out += " virtual table";
     return cursor.atEnd();
 }
 
@@ -384,54 +402,54 @@ bool ArmParser::repeated(Cursor& cursor, bool remember, std::string& out) {
 
 bool ArmParser::type(Cursor& cursor, std::string& out) {
     const DepthCount inside(depth_);
-    std::string declared;
+    Declarator declared;
     if (depth_ > maxDepth) {
         return false;
     }
     for (bool more = true; more;) {
-        if (!declarator(cursor, declared, more) || tooLong(declared)) {
+        if (!declarator(cursor, declared, more) || declared.isTooLong()) {
             return false;
         }
     }
     if (!baseType(cursor, out)) {
         return false;
     }
-    if (!declared.empty()) {
-        out.append(" ").append(declared);
+    if (!declared.isEmpty()) {
+        out.append(" ").append(declared.text());
     }
     return true;
 }
 
 // One step from the outside of a type to its base; `more` becomes false where the base begins. Qualifiers
 // inside of types aren't shown.
-bool ArmParser::declarator(Cursor& cursor, std::string& declared, bool& more) {
+bool ArmParser::declarator(Cursor& cursor, Declarator& declared, bool& more) {
     if (cursor.take('C') || cursor.take('V')) {
         return true;
     }
     if (cursor.take('P')) {
-        declared.insert(0, "*");
+        declared.prepend("*");
         return true;
     }
     if (cursor.take('R')) {
-        declared.insert(0, "&");
+        declared.prepend("&");
         return true;
     }
     if (cursor.take('A')) {
         std::size_t size = 0;
-        wrapPointer(declared);
+        declared.wrapPointer();
         if (!cursor.takeNumber(size) || !cursor.take('_')) {
             return false;
         }
-        declared.append("[").append(std::to_string(size)).append("]");
+        declared.append("[" + std::to_string(size) + "]");
         return true;
     }
     if (cursor.take('F')) {
         std::string list;
-        wrapPointer(declared);
+        declared.wrapPointer();
         if (!arguments(cursor, false, list)) {
             return false;
         }
-        declared.append("(").append(list).append(")");
+        declared.append("(" + list + ")");
         return cursor.take('_');
     }
     if (cursor.peek() == 'M' || cursor.peek() == 'O') {
@@ -442,13 +460,14 @@ bool ArmParser::declarator(Cursor& cursor, std::string& declared, bool& more) {
 }
 
 // "M" with a class and a function, or "O" with a class alone for data.
-bool ArmParser::memberPointer(Cursor& cursor, std::string& declared) {
+bool ArmParser::memberPointer(Cursor& cursor, Declarator& declared) {
     const bool isFunction = cursor.take('M');
     ClassName cls;
     if ((!isFunction && !cursor.take('O')) || !qualifiedName(cursor, cls)) {
         return false;
     }
-    declared = "(" + cls.full + "::" + declared + ")";
+    declared.prepend(cls.full + "::");
+    declared.wrap();
     if (isFunction) {
         while (cursor.take('C') || cursor.take('V')) {
         }
@@ -456,7 +475,7 @@ bool ArmParser::memberPointer(Cursor& cursor, std::string& declared) {
         if (!cursor.take('F') || !arguments(cursor, false, list)) {
             return false;
         }
-        declared.append("(").append(list).append(")");
+        declared.append("(" + list + ")");
     }
     return cursor.take('_');
 }

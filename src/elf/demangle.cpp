@@ -1,10 +1,12 @@
 #include "elf/demangle.h"
 
 #include "elf/arm_demangle.h"
+#include "elf/name_graph.h"
 
 #include <array>
 #include <csetjmp>
 #include <libiberty/demangle.h>
+#include <utility>
 
 namespace {
 
@@ -21,15 +23,18 @@ protected:
 
 class CollectingSink final : public OutputSink {
 public:
+    explicit CollectingSink(std::size_t limit) : limit_(limit) {}
+
     bool take(std::string_view piece) override {
-        if (text.size() + piece.size() > maxDemangledLength) {
-            return false;
-        }
         text.append(piece);
-        return true;
+        return !isFull();
     }
+    bool isFull() const { return text.size() > limit_; }
 
     std::string text;
+
+private:
+    std::size_t limit_;
 };
 
 class ComparingSink final : public OutputSink {
@@ -61,9 +66,12 @@ extern "C" void passPiece(const char* piece, std::size_t length, void* opaque) {
     }
 }
 
-// False when the name isn't a mangled one or the sink has had enough. The frame holds nothing that a jump
-// could lose.
+// False when the name isn't a mangled one, costs too much or the sink has had enough. The frame holds nothing
+// that a jump could lose.
 bool runLibrary(const char* name, OutputSink& sink) {
+    if (!isAffordable(name)) {
+        return false;
+    }
     Escape escape;
     escape.sink = &sink;
     if (setjmp(escape.target) != 0) {
@@ -87,16 +95,24 @@ private:
 
 } // namespace
 
-std::string demangle(std::string_view name, NameStyle style) {
+TextStart startOfDemangled(std::string_view name, NameStyle style, std::size_t limit) {
     name = withoutExtraUnderscore(name);
     if (name.size() > maxMangledLength(style)) {
-        return std::string(name);
+        return {std::string(name), true};
     }
     if (style == NameStyle::Arm) {
-        return demangleArm(name).value_or(std::string(name));
+        return {demangleArm(name).value_or(std::string(name)), true};
     }
-    CollectingSink sink;
-    return runLibrary(TerminatedName(name).get(), sink) ? sink.text : std::string(name);
+    CollectingSink sink(limit);
+    if (!runLibrary(TerminatedName(name).get(), sink) && !sink.isFull()) {
+        return {std::string(name), true};
+    }
+    return {std::move(sink.text), !sink.isFull()};
+}
+
+std::string demangle(std::string_view name, NameStyle style) {
+    TextStart start = startOfDemangled(name, style, maxDemangledLength);
+    return start.isWhole ? std::move(start.text) : std::string(withoutExtraUnderscore(name));
 }
 
 bool matchesName(std::string_view name, std::string_view text, NameStyle style) {

@@ -25,9 +25,18 @@ constexpr std::string_view withoutExtraUnderscore(std::string_view name) {
     return name.starts_with("__Z") ? name.substr(1) : name;
 }
 
-// The demangled text, or the name itself (less an extra underscore) where there is none. Types count as
+// The demangled text, or the name itself (less an extra underscore) where there is none or it would cost too
+// much (name_graph.h). Types count as
 // names, so "i" gives "int". `name` holds no NUL.
 std::string demangle(std::string_view name, NameStyle style);
+
+// The beginning of demangle(name, style), for those who need no more.
+struct TextStart {
+    std::string text;
+    bool isWhole; // the text is all of it. If not, the text is its beginning, or the name itself counts after
+                  // all
+};
+TextStart startOfDemangled(std::string_view name, NameStyle style, std::size_t limit);
 
 // Whether demangle(name, style) == text.
 bool matchesName(std::string_view name, std::string_view text, NameStyle style);

@@ -91,6 +91,8 @@ void ElfFile::save(const FilePath& path) const {
 }
 
 void ElfFile::clear() {
+    physicalFinder_.reset();
+    virtualFinder_.reset();
     physicalMap_.reset();
     virtualMap_.reset();
     symbols_.clear();
@@ -258,24 +260,30 @@ std::optional<std::span<std::uint8_t>> ElfFile::bytesAt(std::uint32_t address, s
     if (end > std::uint64_t{1} << 32) {
         return std::nullopt;
     }
-    for (const ElfProgram& program : programs_) {
-        const std::uint32_t base = program.base(space);
-        if (address >= base && end <= base + std::uint64_t{program.data.size()}) {
-            return program.data.subspan(address - base, length);
-        }
+    std::optional<ProgramFinder>& finder = space == AddressSpace::Virtual ? virtualFinder_ : physicalFinder_;
+    if (!finder) {
+        finder.emplace(programRuns(space));
     }
-    return std::nullopt;
+    const std::optional<std::size_t> found = finder->find(address, end);
+    if (!found) {
+        return std::nullopt;
+    }
+    return programs_[*found].data.subspan(address - programs_[*found].base(space), length);
+}
+
+std::vector<AddressRun> ElfFile::programRuns(AddressSpace space) const {
+    std::vector<AddressRun> runs;
+    for (const ElfProgram& program : programs_) {
+        const std::uint64_t base = program.base(space);
+        runs.push_back({base, base + program.data.size(), program.data.data()});
+    }
+    return runs;
 }
 
 const AddressMap& ElfFile::addressMap(AddressSpace space) const {
     std::optional<AddressMap>& map = space == AddressSpace::Virtual ? virtualMap_ : physicalMap_;
     if (!map) {
-        std::vector<AddressRun> runs;
-        for (const ElfProgram& program : programs_) {
-            const std::uint64_t base = program.base(space);
-            runs.push_back({base, base + program.data.size(), program.data.data()});
-        }
-        map.emplace(std::move(runs));
+        map.emplace(programRuns(space));
     }
     return *map;
 }

@@ -106,6 +106,7 @@ private:
     NameStyle findNameStyle() const;
     void buildSymbolTable(const RecordReader& reader, std::uint32_t addressOffset);
     ElfSymbol symbolAt(std::uint32_t number, QString name) const;
+    std::vector<AddressRun> programRuns(AddressSpace space) const;
     const AddressMap& addressMap(AddressSpace space) const;
 
     ImageBytes image_;
@@ -122,4 +123,6 @@ private:
     std::unordered_map<std::uint32_t, ElfSymbol> symbols_; // found so far, by number
     mutable std::optional<AddressMap> virtualMap_;
     mutable std::optional<AddressMap> physicalMap_;
+    mutable std::optional<ProgramFinder> virtualFinder_;
+    mutable std::optional<ProgramFinder> physicalFinder_;
 };

@@ -6,11 +6,13 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <numeric>
 
 namespace {
 
 constexpr std::size_t hashedLength = 256;    // names that differ later only share a bucket
-constexpr std::size_t keptLength = 1024;     // so that a hostile file can't fill the memory with names
+constexpr std::size_t keptLength = 1024;     // so that a hostile file can't fill the memory with names,
+constexpr std::size_t keptInAll = 64 << 20;  // of one nor of many
 constexpr std::uint64_t demanglingWork = 16; // against a look at a candidate
 
 // Words of a name that a symbol must have in its mangled form too.
@@ -60,21 +62,34 @@ std::uint32_t SymbolIndex::hashed(std::string_view text, KeyKind kind) {
     return static_cast<std::uint32_t>((hash ^ (hash >> 29)) * multiplier >> 32);
 }
 
-std::uint32_t SymbolIndex::keyOfSymbol(std::uint32_t symbol) {
+void SymbolIndex::file(std::uint32_t symbol) {
     const std::string_view name = withoutExtraUnderscore(table_.shortName(symbol));
     if (complete_) {
-        const std::string text = demangle(name, table_.style());
-        textStart_.push_back(texts_.size());
-        texts_.append(text.size() <= keptLength ? text : std::string());
-        return hashed(text, KeyKind::Name);
+        return fileText(symbol, name, keptLength);
     }
     const NameKey key = keyOfName(name);
-    if (key.kind == NameKind::Mangled) {
+    switch (key.kind) {
+    case NameKind::Mangled:
         mangled_.push_back(symbol);
-        return hashed(key.text, KeyKind::Identifier);
+        filed_.push_back({hashed(key.text, KeyKind::Identifier), symbol});
+        break;
+    case NameKind::Plain:
+        filed_.push_back({hashed(name, KeyKind::Name), symbol});
+        break;
+    case NameKind::Unclear:
+        fileText(symbol, name, hashedLength);
     }
-    return hashed(key.kind == NameKind::Plain ? std::string(name) : demangle(name, table_.style()),
-                  KeyKind::Name);
+}
+
+// Under the beginning of the text, and as the name is if that may yet turn out to count.
+void SymbolIndex::fileText(std::uint32_t symbol, std::string_view name, std::size_t limit) {
+    const TextStart start = startOfDemangled(name, table_.style(), limit);
+    filed_.push_back({hashed(start.text, KeyKind::Name), symbol});
+    if (!start.isWhole) {
+        filed_.push_back({hashed(name, KeyKind::Name), symbol});
+    } else if (complete_ && start.text.size() <= keptLength && texts_.size() < keptInAll) {
+        texts_ += start.text;
+    }
 }
 
 bool SymbolIndex::hasName(std::uint32_t symbol, std::string_view name) const {
@@ -87,24 +102,34 @@ bool SymbolIndex::hasName(std::uint32_t symbol, std::string_view name) const {
 
 void SymbolIndex::build() {
     const std::uint32_t count = table_.count();
-    // Some eight to a bucket, so that filling the buckets stays within the nearer caches.
-    const int bucketBits = std::max(1, static_cast<int>(std::bit_width(count)) - 4);
-    bucketShift_ = 32 - bucketBits;
-    std::vector<std::uint32_t> keys(count);
-    std::vector<std::uint32_t> ends((std::size_t{1} << bucketBits) + 1);
+    filed_.reserve(count);
+    std::vector<bool> isKnown(table_.stringsSize());
     for (std::uint32_t symbol = 0; symbol < count; ++symbol) {
-        keys[symbol] = keyOfSymbol(symbol);
-        ++ends[(keys[symbol] >> bucketShift_) + 1];
+        if (complete_) {
+            textStart_.push_back(texts_.size());
+        }
+        const std::uint32_t start = table_.entry(symbol).st_name;
+        if (start < isKnown.size() && !isKnown[start]) {
+            isKnown[start] = true;
+            file(symbol);
+        }
     }
     textStart_.push_back(texts_.size());
-    for (std::size_t bucket = 1; bucket < ends.size(); ++bucket) {
-        ends[bucket] += ends[bucket - 1];
+
+    // Some eight to a bucket, so that filling the buckets stays within the nearer caches.
+    const int bucketBits = std::max(1, static_cast<int>(std::bit_width(filed_.size())) - 4);
+    bucketShift_ = 32 - bucketBits;
+    bucketStart_.assign((std::size_t{1} << bucketBits) + 1, 0);
+    for (const Posting& posting : filed_) {
+        ++bucketStart_[(posting.key >> bucketShift_) + 1];
     }
-    bucketStart_ = ends;
-    postings_.resize(count);
-    for (std::uint32_t symbol = 0; symbol < count; ++symbol) {
-        postings_[ends[keys[symbol] >> bucketShift_]++] = {keys[symbol], symbol};
+    std::partial_sum(bucketStart_.begin(), bucketStart_.end(), bucketStart_.begin());
+    std::vector<std::uint32_t> ends = bucketStart_;
+    postings_.resize(filed_.size());
+    for (const Posting& posting : filed_) {
+        postings_[ends[posting.key >> bucketShift_]++] = posting;
     }
+    filed_ = {};
 }
 
 // Goes through the symbols of a key in the order of the file until the visitor returns true.

@@ -23,6 +23,9 @@ public:
     std::uint32_t count() const { return count_; }
     NameStyle style() const { return style_; }
 
+    // Names begin below this.
+    std::size_t stringsSize() const { return strings_.size(); }
+
     // In host order.
     Elf32_Sym entry(std::uint32_t number) const {
         auto symbol = reader_.read<Elf32_Sym>(offset_ + std::uint64_t{number} * sizeof(Elf32_Sym));

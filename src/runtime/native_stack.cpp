@@ -34,22 +34,24 @@ std::uintptr_t guessLowest() {
     return here() - allowed.rlim_cur / 4 * 3;
 }
 
-// The address below which this thread is short of stack.
-std::uintptr_t findLimit() {
+// The end of this thread's stack.
+std::uintptr_t findLowest() {
     pthread_attr_t attributes;
     if (pthread_getattr_np(pthread_self(), &attributes) != 0) {
-        return guessLowest() + reserve;
+        return guessLowest();
     }
     void* lowest = nullptr;
     std::size_t size = 0;
     pthread_attr_getstack(&attributes, &lowest, &size);
     pthread_attr_destroy(&attributes);
-    return reinterpret_cast<std::uintptr_t>(lowest) + reserve;
+    return reinterpret_cast<std::uintptr_t>(lowest);
 }
 
 } // namespace
 
-bool nativeStackLow() {
-    static const std::uintptr_t limit = findLimit();
-    return here() < limit;
+bool nativeStackLow() { return nativeStackLeft() < reserve; }
+
+std::size_t nativeStackLeft() {
+    static const std::uintptr_t lowest = findLowest();
+    return here() < lowest ? 0 : here() - lowest;
 }

@@ -3,5 +3,10 @@
 // deeper.
 #pragma once
 
+#include <cstddef>
+
 // True when less is left than a compilation, a native function and the raising of an error may need.
 bool nativeStackLow();
+
+// The bytes that are left, for those who know what they need.
+std::size_t nativeStackLeft();
