@@ -126,8 +126,10 @@ private:
     static constexpr int mostDepth = 5;
 
     std::string made(std::string rule, int depth) {
-        if (rule == "expr" || rule == "statement") {
-            rule = depth-- > 0 ? rule : rule == "expr" ? "leaf" : "simple";
+        static const std::map<std::string, std::string> atDepth = {
+            {"expr", "leaf"}, {"statement", "simple"}, {"int", "small"}};
+        if (const auto shallow = atDepth.find(rule); shallow != atDepth.end()) {
+            rule = depth-- > 0 ? rule : shallow->second;
         } else if (rule == "local") {
             rule = functions_ > 0 ? choices_.oneIn(2) ? "y" : "x" : "global";
         } else if (rule == "jump") {

@@ -8,13 +8,6 @@
 #include "machine/code_block.h"
 #include "runtime/atom.h"
 
-#include <sys/mman.h>
-#include <unistd.h>
-
-#include <array>
-#include <cstring>
-#include <elf.h>
-#include <memory>
 #include <new>
 
 #ifdef QUORVANE_METERED                                           // by AddressSanitizer
@@ -43,7 +36,6 @@ namespace {
 constexpr std::size_t mostOutput = 64 * 1024;
 
 struct OutOfSteps {};
-struct OutOfMemory {};
 
 class BoundedContext : public ESContext {
 public:
@@ -53,11 +45,8 @@ public:
 
     bool keepRunning() override {
         --left_;
-        if (left_ % 256 == 0 && usedMemory() > mostMemory) {
-            throw OutOfMemory{};
-        }
         // Natives that call back don't hear of the end; they get a while.
-        if (left_ < -256) {
+        if (left_ < -256 || (left_ % 256 == 0 && usedMemory() > mostMemory)) {
             throw OutOfSteps{};
         }
         return left_ > 0;
@@ -90,8 +79,7 @@ public:
     void call(ESContext& ctx, ESObject* fn, ESObject* self, std::int32_t argc, ESValue* argv) override {
         const std::string member = memberName(fn);
         if (member.ends_with(".crc32") || member.ends_with(".getRunStdout")) {
-            TBSysESClass::call(ctx, fn, self, argc, argv);
-            return;
+            return TBSysESClass::call(ctx, fn, self, argc, argv);
         }
         for (std::int32_t i = argc; i-- > 0;) {
             ctx.toString(argv[i]);
@@ -100,38 +88,19 @@ public:
     }
 };
 
-// A little-endian image of one program header with 64 bytes at 0x8000, virtual, and 0x10, physical.
-std::string makeImageFile() {
-    struct {
-        Elf32_Ehdr header{};
-        Elf32_Phdr program{};
-        std::array<unsigned char, 64> bytes{};
-    } image;
-    std::memcpy(image.header.e_ident, ELFMAG, SELFMAG);
-    image.header.e_ident[EI_CLASS] = ELFCLASS32;
-    image.header.e_ident[EI_DATA] = ELFDATA2LSB;
-    image.header.e_phoff = sizeof(Elf32_Ehdr);
-    image.header.e_phnum = 1;
-    image.program = {PT_LOAD, sizeof(Elf32_Ehdr) + sizeof(Elf32_Phdr), 0x8000, 0x10, 64, 64, 7, 4};
-    const int fd = memfd_create("image", MFD_CLOEXEC);
-    expect(write(fd, &image, sizeof image) == static_cast<ssize_t>(sizeof image), "the image can be written");
-    return "/proc/self/fd/" + std::to_string(fd);
-}
-
-class ElfFileInMemory : public ElfFileESClass {
+class ElfFileOfOneImage : public ElfFileESClass {
 public:
     void call(ESContext& ctx, ESObject* fn, ESObject* self, std::int32_t argc, ESValue* argv) override {
-        static const std::string path = makeImageFile();
         const std::string member = memberName(fn);
-        if (member.ends_with(".load") || member.ends_with(".save")) {
+        const bool saves = member.ends_with(".save");
+        if (saves || member.ends_with(".load")) {
             ctx.toString(argv[0]);
-            argv[0] = ctx.newString(path.c_str());
+            argv[0] = saves ? undefinedValue()
+                            : ctx.newString(QUORVANE_SOURCE_DIR "/examples/firmware/firmware.elf");
         }
-        if (member.ends_with(".save")) {
-            argv[0] = undefinedValue();
-            return;
+        if (!saves) {
+            ElfFileESClass::call(ctx, fn, self, argc, argv);
         }
-        ElfFileESClass::call(ctx, fn, self, argc, argv);
     }
 };
 
@@ -156,7 +125,7 @@ ScriptRun runScript(const QString& text, ScriptBounds bounds) {
     ScriptRun run;
     EchoToText wscript(run.output);
     TBSysWithoutSystem tbsys;
-    ElfFileInMemory elfFile;
+    ElfFileOfOneImage elfFile;
     BoundedContext ctx(bounds);
     const auto ended = [&run](ScriptRun::End end, const std::string& how) {
         run.end = end;
@@ -183,8 +152,6 @@ ScriptRun runScript(const QString& text, ScriptBounds bounds) {
         ended(ScriptRun::End::TooLarge, fault.message.toStdString());
     } catch (const OutOfSteps&) {
         ended(ScriptRun::End::OutOfSteps, "out of steps");
-    } catch (const OutOfMemory&) {
-        ended(ScriptRun::End::OutOfMemory, "out of memory");
     } catch (const std::bad_alloc&) {
         ended(ScriptRun::End::OutOfMemory, "out of memory");
     }

@@ -1,6 +1,6 @@
 // One script in a context of its own, within bounds of steps and memory, and without a way to the system: the
 // members that open files or start programs convert their arguments and do nothing more. ElfFile.load always
-// loads one small image from memory. Each run finds the process as if it were the first.
+// loads the image of examples/firmware. Each run finds the process as if it were the first.
 #pragma once
 
 #include "runtime/context.h"
