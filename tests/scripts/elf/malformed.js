@@ -7,42 +7,26 @@
 //| ElfFile.pokeUint32(0x08000000, ElfFile.peekUint32(0x08000000));
 //| ElfFile.crc32(0x07FFFFF0, 0x10000, true, 255);
 //| ElfFile.save('saved.elf');
-// expect: 63 runs, as they should be
+// expect: 21 runs
 var good = TBSys.readByteArrayFromFile(image);
-function word(at) { return good[at] + 256 * (good[at + 1] + 256 * (good[at + 2] + 256 * good[at + 3])); }
-
-// The places of some words: offsets and counts of the header, of a segment and of the sections for symbols.
-var sections = word(32);
-var places = [4, 28, 32, 44, 48, 50, 52 + 4, 52 + 16, sections + 40 * 6 + 16, sections + 40 * 8 + 16,
-    sections + 40 * 8 + 20, sections + 40 * 8 + 36, sections + 40 * 9 + 16, sections + 40 * 10 + 16];
-var values = [0, 0xFF, 0x7FFFFFFF, 0xFFFFFFF0];
-var lengths = [0, 3, 4, 16, 51, good.length - 1, good.length];
 var runs = 0;
-var faults = '';
-var lines = 0;
-
 function run(bytes, what) {
     TBSys.writeByteArrayToFile('broken.elf', bytes);
     TBSys.removeFile('saved.elf');
-    var status = TBSys.run(program + ' -load use.js', true);
-    var errors = TBSys.getRunStderr();
-    var count = 0;
-    for (var at = errors.indexOf('error: '); at >= 0; at = errors.indexOf('error: ', at + 1))
-        ++count;
-    var right = status == 0 ? count == lines && TBSys.fileSize('saved.elf') == bytes.length : status == 1 && count == lines + 1;
-    lines = count;
+    var status = TBSys.run('sh -c "' + program + ' -load use.js 2> errors"', true);
+    var errors = TBSys.readStringFromFile('errors');
+    if (!(status == 0 ? errors == '' && TBSys.fileSize('saved.elf') == bytes.length
+                      : status == 1 && errors.indexOf('error: ') == 0 && errors.indexOf('\n') == errors.length - 1))
+        WScript.Echo(what + ': ' + errors + '\n');
     ++runs;
-    if (!right)
-        faults += what + ' ';
 }
-
+// The places of some words: offsets and counts of the header, of a segment and of the sections for symbols.
+var sections = good[32] + 256 * good[33];
+var places = [4, 28, 32, 44, 48, 50, 56, 68, sections + 256, sections + 336, sections + 340, sections + 356, sections + 376,
+    sections + 416];
 for (var i = 0; i < places.length; ++i)
-    for (var j = 0; j < values.length; ++j) {
-        var broken = good.slice(0, good.length);
-        for (var k = 0; k < 4; ++k)
-            broken[places[i] + k] = values[j] >> (8 * k);
-        run(broken, places[i] + '=' + values[j]);
-    }
+    run(good.slice(0, places[i]).concat([0xF0, 0xFF, 0xFF, i & 1 ? 0x7F : 0xFF], good.slice(places[i] + 4)), places[i]);
+var lengths = [0, 3, 4, 16, 51, good.length - 1, good.length];
 for (i = 0; i < lengths.length; ++i)
     run(good.slice(0, lengths[i]), 'length ' + lengths[i]);
-WScript.Echo(runs + ' runs, ' + (faults == '' ? 'as they should be' : faults) + '\n');
+WScript.Echo(runs + ' runs\n');

@@ -8,24 +8,21 @@
 // expect: (anonymous namespace)::tickLimit 20000000
 // expect: data_load 80001c0
 // expect: stack_top 20002000
-// expect: missing none none none none none
+// expect: undefined undefined undefined undefined undefined undefined
 // expect: the same in both orders
 var names = ['main', 'reset_handler', 'board::Led::set(bool)', 'sensor::scale(unsigned short)',
     'sensor::scale(sensor::Reading const&)', 'sensor::History<long, 8>::average() const',
     '(anonymous namespace)::tickLimit', 'data_load', 'stack_top'];
-var none = ['_ZN5board3Led3setEb', '$t', '', 'board::Led::set', 'sensor::scale(int)'];
-var values = [];
-var same = true;
-ElfFile.load(folder + 'firmware.elf');
-for (var i = 0; i < names.length; ++i) {
-    values[i] = ElfFile.symbolValue(names[i]);
-    WScript.Echo(names[i] + ' ' + values[i].toString(16) + '\n');
+function listed(file, names) {
+    ElfFile.load(folder + file);
+    var text = '';
+    for (var i = 0; i < names.length; ++i)
+        text += names[i] + ' ' + ElfFile.symbolValue(names[i]).toString(16) + '\n';
+    return text;
 }
-var text = 'missing';
-for (i = 0; i < none.length; ++i)
-    text += ElfFile.symbolValue(none[i]) == undefined ? ' none' : ' found';
-WScript.Echo(text + '\n');
-ElfFile.load(folder + 'firmware-be.elf');
-for (i = 0; i < names.length; ++i)
-    same = same && ElfFile.symbolValue(names[i]) == values[i];
-WScript.Echo(same ? 'the same in both orders\n' : 'different\n');
+var text = listed('firmware.elf', names);
+WScript.Echo(text);
+function value(name) { return ElfFile.symbolValue(name) + ' '; }
+WScript.Echo(value('missing') + value('_ZN5board3Led3setEb') + value('$t') + value('') + value('board::Led::set') +
+             ElfFile.symbolValue('sensor::scale(int)') + '\n');
+WScript.Echo(listed('firmware-be.elf', names) == text ? 'the same in both orders\n' : 'different\n');

@@ -1,25 +1,21 @@
 // Which argument is converted when, as a script can see.
-// expect: rename: to from false
-// expect: copy: to from false
-// expect: write text: no/such false
-// expect: write text: f text true
-// expect: write bytes: no/such false
+// expect: renameFile: to from false
+// expect: copyFile: to from false
+// expect: writeStringToFile: no/such false
+// expect: writeStringToFile: f text true
+// expect: writeByteArrayToFile: no/such false
 // expect: run: true 0
 // expect: 5 true
 function text(value) { return { toString: function () { WScript.Echo(value + ' '); return value; } }; }
-function show(label) { WScript.Echo(label + ': '); }
-function end(result) { WScript.Echo(result + '\n'); }
-show('rename');
-end(TBSys.renameFile(text('from'), text('to')));
-show('copy');
-end(TBSys.copyFile(text('from'), text('to')));
-show('write text');
-end(TBSys.writeStringToFile(text('no/such'), text('text')));
-show('write text');
-end(TBSys.writeStringToFile(text('f'), text('text')));
-show('write bytes');
-end(TBSys.writeByteArrayToFile(text('no/such'), text('array')));
-show('run');
-end(TBSys.run(text('true'), text('wait')));
+function show(member, a, b) {
+    WScript.Echo(member + ': ');
+    WScript.Echo(TBSys[member](text(a), text(b)) + '\n');
+}
+show('renameFile', 'from', 'to');
+show('copyFile', 'from', 'to');
+show('writeStringToFile', 'no/such', 'text');
+show('writeStringToFile', 'f', 'text');
+show('writeByteArrayToFile', 'no/such', 'array');
+show('run', 'true', 'wait');
 TBSys.makeDirectory(5);
-end(5 + ' ' + TBSys.fileExists('5'));
+WScript.Echo(5 + ' ' + TBSys.fileExists('5') + '\n');
