@@ -47,11 +47,13 @@ std::uintptr_t findLowest() {
     return reinterpret_cast<std::uintptr_t>(lowest);
 }
 
+std::uintptr_t lowest() {
+    static const std::uintptr_t address = findLowest();
+    return address;
+}
+
 } // namespace
 
-bool nativeStackLow() { return nativeStackLeft() < reserve; }
+bool nativeStackLow() { return here() < lowest() + reserve; }
 
-std::size_t nativeStackLeft() {
-    static const std::uintptr_t lowest = findLowest();
-    return here() < lowest ? 0 : here() - lowest;
-}
+std::size_t nativeStackLeft() { return here() < lowest() ? 0 : here() - lowest(); }
