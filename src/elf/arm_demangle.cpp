@@ -130,7 +130,6 @@ private:
     bool localName(std::string_view mangled, std::string& out);
     bool virtualTable(std::string_view mangled, std::string& out);
     bool qualifiedAlone(std::string_view mangled, std::string& out);
-    bool conversion(std::string_view mangled, std::string& out);
     bool function(std::string_view mangled, std::string& out);
     bool templateAlone(std::string_view mangled, std::string& out);
 
@@ -139,6 +138,7 @@ private:
     bool qualifiedName(Cursor& cursor, ClassName& cls);
     bool classText(std::string_view text, ClassName& cls);
     bool templateArguments(std::string_view text, std::string& out);
+    bool templateArgument(Cursor& cursor, std::string& out);
     bool arguments(Cursor& cursor, bool remember, std::string& out);
     bool repeated(Cursor& cursor, bool remember, std::string& out);
     bool type(Cursor& cursor, std::string& out);
@@ -165,7 +165,7 @@ bool tooLong(const std::string& text) { return text.size() > maxDemangledLength;
 
 bool ArmParser::name(std::string_view mangled, std::string& out) {
     return localName(mangled, out) || virtualTable(mangled, out) || qualifiedAlone(mangled, out) ||
-           conversion(mangled, out) || function(mangled, out) || templateAlone(mangled, out);
+           function(mangled, out) || templateAlone(mangled, out);
 }
 
 // A variable of an inner block: the number of the block, and the name.
@@ -184,13 +184,12 @@ bool ArmParser::virtualTable(std::string_view mangled, std::string& out) {
     if (!cursor.take("__vtbl__")) {
         return false;
     }
-    std::vector<std::string> tables;
+    std::vector<std::string_view> tables; // of templates as well as they are
     do {
-        ClassName cls;
-        if (!className(cursor, cls)) {
+        std::size_t length = 0;
+        if (!cursor.takeNumber(length) || !cursor.takeText(length, tables.emplace_back())) {
             return false;
         }
-        tables.push_back(std::move(cls.full));
     } while (cursor.take("__"));
     out.clear();
     for (auto table = tables.rbegin(); table != tables.rend(); ++table) {
@@ -210,24 +209,24 @@ bool ArmParser::qualifiedAlone(std::string_view mangled, std::string& out) {
     return true;
 }
 
-bool ArmParser::conversion(std::string_view mangled, std::string& out) {
-    Cursor cursor(mangled);
-    std::string target;
-    return cursor.take("__op") && type(cursor, target) && cursor.take("__") &&
-           signature(cursor, "operator " + target, out);
-}
-
+// The name ends at the first two underscores behind its beginning, or at the last two of a longer row. Behind
+// an operator's own two the first ones count in any row.
 bool ArmParser::function(std::string_view mangled, std::string& out) {
-    const std::size_t start = mangled.find_first_not_of('_');
-    std::size_t separator = mangled.find("__", start);
-    if (start == std::string_view::npos || separator == std::string_view::npos) {
+    const std::size_t row = mangled.find("__");
+    std::size_t separator = std::min(mangled.find_first_not_of('_', row), mangled.size()) - 2;
+    if (row == 0 && separator == 0) {
+        separator = mangled.find("__", 2);
+    }
+    if (row == std::string_view::npos || separator == std::string_view::npos) {
         return false;
     }
-    // In a longer run the first underscores belong to the name.
-    while (separator + 2 < mangled.size() && mangled[separator + 2] == '_') {
-        ++separator;
-    }
-    return signature(Cursor(mangled.substr(separator + 2)), mangled.substr(0, separator), out);
+    const std::string_view root = mangled.substr(0, separator);
+    const Cursor rest(mangled.substr(separator + 2));
+    Cursor target(root);
+    std::string type;
+    // Of what a conversion is to only the beginning needs to be a type.
+    const bool isConversion = target.take("__op") && this->type(target, type);
+    return signature(rest, isConversion ? "operator " + type : std::string(root), out);
 }
 
 bool ArmParser::templateAlone(std::string_view mangled, std::string& out) {
@@ -279,9 +278,9 @@ bool ArmParser::signature(Cursor cursor, std::string_view root, std::string& out
     if (isFunction) {
         out += "(" + list + ")";
     }
-    out.append(isConst ? " const" : "")
-        .append(isVolatile ? " volatile" : "")
-        .append(isStatic ? " static" : "");
+    out.append(isStatic ? " static" : "")
+        .append(isConst ? " const" : "")
+        .append(isVolatile ? " volatile" : "");
     return true;
 }
 
@@ -313,6 +312,7 @@ bool ArmParser::qualifiedName(Cursor& cursor, ClassName& cls) {
         }
         full.append(i == 0 ? "" : "::").append(cls.full);
     }
+    cls.shortName = cls.full; // the scheme's own oddity: with scopes the arguments stay
     cls.full = full;
     return count > 0;
 }
@@ -329,7 +329,7 @@ bool ArmParser::classText(std::string_view text, ClassName& cls) {
                 return false;
             }
             cls.shortName = text.substr(0, mark);
-            cls.full = cls.shortName + "<" + list + (list.ends_with('>') ? " >" : ">");
+            cls.full = cls.shortName + "<" + list + ">";
             return true;
         }
     }
@@ -342,12 +342,36 @@ bool ArmParser::templateArguments(std::string_view text, std::string& out) {
     Cursor cursor(text);
     do {
         std::string argument;
-        if (!type(cursor, argument)) {
+        if (!templateArgument(cursor, argument)) {
             return false;
         }
         out.append(out.empty() ? "" : ",").append(argument);
     } while (!cursor.atEnd() && !tooLong(out));
     return cursor.atEnd();
+}
+
+// A type; or "L" and a number, with "X" and its type in front or without.
+bool ArmParser::templateArgument(Cursor& cursor, std::string& out) {
+    std::string kind;
+    if (cursor.take('X')) {
+        if (!type(cursor, kind) || cursor.peek() != 'L') {
+            return false;
+        }
+        out = "(" + kind + ")";
+    }
+    if (!cursor.take('L')) {
+        return type(cursor, out);
+    }
+    if (cursor.take('-')) {
+        out += '-';
+    } else {
+        cursor.take('+');
+    }
+    const bool isNumber = isDigit(cursor.peek());
+    for (; isDigit(cursor.peek()); cursor.take(cursor.peek())) {
+        out += cursor.peek();
+    }
+    return isNumber;
 }
 
 // Up to the end of the list: an underscore in a nested one, the end of the name in the outermost.
@@ -462,11 +486,17 @@ bool ArmParser::declarator(Cursor& cursor, Declarator& declared, bool& more) {
 // "M" with a class and a function, or "O" with a class alone for data.
 bool ArmParser::memberPointer(Cursor& cursor, Declarator& declared) {
     const bool isFunction = cursor.take('M');
-    ClassName cls;
-    if ((!isFunction && !cursor.take('O')) || !qualifiedName(cursor, cls)) {
+    if (!isFunction && !cursor.take('O')) {
         return false;
     }
-    declared.prepend(cls.full + "::");
+    ClassName cls;
+    std::size_t length = 0;
+    std::string_view plain; // a class without scopes stays as it is, a template too
+    if (cursor.peek() == 'Q' ? !qualifiedName(cursor, cls)
+                             : !cursor.takeNumber(length) || !cursor.takeText(length, plain)) {
+        return false;
+    }
+    declared.prepend(cls.full.append(plain).append("::"));
     declared.wrap();
     if (isFunction) {
         while (cursor.take('C') || cursor.take('V')) {
