@@ -10,8 +10,8 @@
 
 #include <new>
 
-#ifdef QUORVANE_METERED                                           // by AddressSanitizer
-extern "C" std::size_t __sanitizer_get_current_allocated_bytes(); // g++ has no header for it
+#ifdef QUORVANE_METERED // the fuzzer's build
+#include <sanitizer/allocator_interface.h>
 static std::size_t usedMemory() { return __sanitizer_get_current_allocated_bytes(); }
 
 // No single piece of memory is larger, whatever a script asks for: the engine meets std::bad_alloc instead of
