@@ -104,10 +104,11 @@ TextStart startOfDemangled(std::string_view name, NameStyle style, std::size_t l
         return {demangleArm(name).value_or(std::string(name)), true};
     }
     CollectingSink sink(limit);
-    if (!runLibrary(TerminatedName(name).get(), sink) && !sink.isFull()) {
-        return {std::string(name), true};
+    const bool isDone = runLibrary(TerminatedName(name).get(), sink);
+    if (sink.isFull()) {
+        return {std::move(sink.text), false};
     }
-    return {std::move(sink.text), !sink.isFull()};
+    return {isDone ? std::move(sink.text) : std::string(name), true};
 }
 
 std::string demangle(std::string_view name, NameStyle style) {
