@@ -198,34 +198,26 @@ TARGET_256 std::uint32_t updateBy256(std::uint32_t state, const std::uint8_t* by
 
 #endif
 
-// ---- The choice, made once. ----
-
-struct PathList {
-    std::array<Crc32Path, 3> paths{};
-    std::size_t count = 0;
-
-    PathList() {
+// From the fastest to the one that any processor can take.
+constexpr Crc32Path paths[] = {
 #ifdef QUORVANE_CARRYLESS_CRC
-        const bool has128 = __builtin_cpu_supports("pclmul") && __builtin_cpu_supports("ssse3") &&
-                            __builtin_cpu_supports("sse4.1");
-        if (has128 && __builtin_cpu_supports("avx2") && __builtin_cpu_supports("vpclmulqdq")) {
-            add({"carry-less multiplication, 256 bits", updateBy256});
-        }
-        if (has128) {
-            add({"carry-less multiplication, 128 bits", updateBy128});
-        }
+    {"carry-less multiplication, 256 bits", updateBy256},
+    {"carry-less multiplication, 128 bits", updateBy128},
 #endif
-        add({"sixteen slices", updateBySlices});
-    }
-
-    void add(const Crc32Path& path) { paths[count++] = path; }
+    {"sixteen slices", updateBySlices},
 };
 
 } // namespace
 
 std::span<const Crc32Path> crc32Paths() {
-    static const PathList list;
-    return {list.paths.data(), list.count};
+    std::size_t usable = 1;
+#ifdef QUORVANE_CARRYLESS_CRC
+    const int for128 = (__builtin_cpu_supports("pclmul") != 0) + (__builtin_cpu_supports("ssse3") != 0) +
+                       (__builtin_cpu_supports("sse4.1") != 0);
+    const int for256 = (__builtin_cpu_supports("avx2") != 0) + (__builtin_cpu_supports("vpclmulqdq") != 0);
+    usable += (for128 == 3 ? 1U : 0U) + (for128 + for256 == 5 ? 1U : 0U);
+#endif
+    return std::span(paths).last(usable);
 }
 
 void Crc32::update(const std::uint8_t* bytes, std::size_t length) {

@@ -100,7 +100,8 @@ bool copyAccessList(int source, int target) {
     constexpr char name[] = "system.posix_acl_access";
     const auto list = std::make_unique<char[]>(XATTR_SIZE_MAX);
     const ssize_t size = fgetxattr(source, name, list.get(), XATTR_SIZE_MAX);
-    return size < 0 || fsetxattr(target, name, list.get(), static_cast<std::size_t>(size), 0) == 0;
+    return size < 0 ? errno == ENODATA || errno == EOPNOTSUPP
+                    : fsetxattr(target, name, list.get(), static_cast<std::size_t>(size), 0) == 0;
 }
 
 void copyTimesAndMode(int source, const struct stat& status, int target) {

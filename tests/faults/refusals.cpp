@@ -43,20 +43,6 @@ bool refused(Refusals::Kind kind) {
     return true;
 }
 
-void* newBlock(std::size_t size) {
-    if (void* block = std::malloc(size == 0 ? 1 : size)) {
-        return block;
-    }
-    throw std::bad_alloc();
-}
-
-void* newBlock(std::size_t size, std::align_val_t alignment) {
-    if (void* block = std::aligned_alloc(static_cast<std::size_t>(alignment), size)) {
-        return block;
-    }
-    throw std::bad_alloc();
-}
-
 } // namespace
 
 extern "C" {
@@ -124,17 +110,13 @@ ON_FILES(int, fremovexattr, (int fd, const char* name) noexcept, fremovexattr, f
 
 } // extern "C"
 
-void* operator new(std::size_t size) { return newBlock(size); }
-void* operator new[](std::size_t size) { return newBlock(size); }
+// A sanitizer's would not come to malloc. The library makes all other forms of these.
+void* operator new(std::size_t size) {
+    if (void* block = std::malloc(size == 0 ? 1 : size)) {
+        return block;
+    }
+    throw std::bad_alloc();
+}
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return std::malloc(size); }
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return std::malloc(size); }
-void* operator new(std::size_t size, std::align_val_t alignment) { return newBlock(size, alignment); }
-void* operator new[](std::size_t size, std::align_val_t alignment) { return newBlock(size, alignment); }
 void operator delete(void* block) noexcept { std::free(block); }
-void operator delete[](void* block) noexcept { std::free(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
-void operator delete(void* block, std::align_val_t) noexcept { std::free(block); }
-void operator delete[](void* block, std::align_val_t) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t, std::align_val_t) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t, std::align_val_t) noexcept { std::free(block); }

@@ -6,9 +6,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <random>
-#include <string_view>
 #include <vector>
 
 namespace {
@@ -32,62 +30,22 @@ std::uint32_t plainUpdate(std::uint32_t state, const std::uint8_t* bytes, std::s
     return state;
 }
 
-std::vector<std::uint8_t> randomBytes(std::size_t count, std::mt19937& random) {
-    std::vector<std::uint8_t> bytes(count);
-    std::generate(bytes.begin(), bytes.end(), [&random] { return static_cast<std::uint8_t>(random()); });
-    return bytes;
-}
-
-std::uint32_t crcOfText(std::string_view text) {
-    const std::vector<std::uint8_t> bytes(text.begin(), text.end());
-    return computeCrc32(bytes.data(), bytes.size());
-}
-
 } // namespace
 
-TEST(Crc32, PublishedValues) {
-    EXPECT_EQ(crcOfText("123456789"), 0xFC891918U);
-    EXPECT_EQ(crcOfText("a"), 0x19939B6BU);
-    EXPECT_EQ(crcOfText(std::string(100000, '\0')),
-              ~plainUpdate(0xFFFFFFFFU, std::vector<std::uint8_t>(100000).data(), 100000));
-    EXPECT_EQ(computeCrc32(nullptr, 0), 0U);
+TEST(Crc32, EveryPathEqualsThePlainTableWhereverItIsCut) {
     EXPECT_EQ(Crc32().value(), 0U);
-}
-
-TEST(Crc32, EveryPathEqualsThePlainTableForEveryLengthAndAlignment) {
     std::mt19937 random(32);
-    const std::vector<std::uint8_t> bytes = randomBytes(1100, random);
+    std::vector<std::uint8_t> bytes(20000);
+    std::generate(bytes.begin(), bytes.end(), [&random] { return static_cast<std::uint8_t>(random()); });
     for (const Crc32Path& path : crc32Paths()) {
-        SCOPED_TRACE(path.name);
-        for (std::size_t offset = 0; offset < 64; ++offset) {
-            for (std::size_t length = 0; length <= 1000; ++length) {
-                const std::uint32_t state = static_cast<std::uint32_t>(random());
-                ASSERT_EQ(path.update(state, bytes.data() + offset, length),
-                          plainUpdate(state, bytes.data() + offset, length))
-                    << "offset " << offset << ", length " << length;
-            }
+        for (std::size_t i = 0; i < 64 * 1000; ++i) {
+            const std::uint8_t* const start = bytes.data() + i % 64;
+            const std::size_t length = i < 63 * 1000 ? i / 64 : random() % 19000;
+            const std::size_t cut = i % 3 == 0 ? 0 : random() % (length + 1);
+            const auto state = static_cast<std::uint32_t>(random());
+            const std::uint32_t half = path.update(state, start, cut);
+            ASSERT_EQ(path.update(half, start + cut, length - cut), plainUpdate(state, start, length))
+                << path.name << ": " << length << " bytes, cut at " << cut;
         }
-    }
-}
-
-TEST(Crc32, EveryPathMayBeCutAnywhere) {
-    std::mt19937 random(7);
-    for (int round = 0; round < 200; ++round) {
-        const std::vector<std::uint8_t> bytes = randomBytes(random() % 20000, random);
-        const std::uint32_t expected = plainUpdate(0xFFFFFFFFU, bytes.data(), bytes.size());
-        for (const Crc32Path& path : crc32Paths()) {
-            std::uint32_t state = 0xFFFFFFFFU;
-            for (std::size_t done = 0; done < bytes.size();) {
-                const std::size_t piece = std::min<std::size_t>(bytes.size() - done, random() % 3000);
-                state = path.update(state, bytes.data() + done, piece);
-                done += piece;
-            }
-            ASSERT_EQ(state, expected) << path.name << ", " << bytes.size() << " bytes";
-        }
-        Crc32 whole;
-        const std::size_t cut = bytes.empty() ? 0 : random() % bytes.size();
-        whole.update(bytes.data(), cut);
-        whole.update(bytes.data() + cut, bytes.size() - cut);
-        ASSERT_EQ(whole.value(), ~expected);
     }
 }
