@@ -12,6 +12,7 @@
 // expect: source>folder false
 // expect: source>. false
 // expect: folder>copy false
+// expect: source>/dev/full false
 // expect: source> false
 // expect: source>folder/none/copy false
 // expect: 644 1100000000 8
@@ -28,6 +29,7 @@ copy('source', './folder/../source');
 copy('source', 'folder');
 copy('source', '.');
 copy('folder', 'copy');
+copy('source', '/dev/full');
 copy('source', '');
 copy('source', 'folder/none/copy');
 TBSys.run('stat -c "%a %Y %s" copy', true);
