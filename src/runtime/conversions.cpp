@@ -418,12 +418,13 @@ std::vector<std::uint8_t> ESContext::arrayToBytes(const ESValue& v) {
         raiseRangeError("length too large");
     }
     std::vector<std::uint8_t> bytes(count);
+    std::uint8_t* const out = bytes.data(); // whose bounds nobody needs to check for each
     for (std::uint32_t i = 0; i < count; ++i) {
         // An element's valueOf may change the array, so its vector is looked at anew each time.
         if (i < array->elements.count() && array->elements.data()[i].isNumber()) [[likely]] {
-            bytes[i] = static_cast<std::uint8_t>(doubleToInt32(array->elements.data()[i].number));
+            out[i] = static_cast<std::uint8_t>(doubleToInt32(array->elements.data()[i].number));
         } else {
-            bytes[i] = static_cast<std::uint8_t>(toInt32(getElement(array, i)));
+            out[i] = static_cast<std::uint8_t>(toInt32(getElement(array, i)));
         }
     }
     return bytes;
