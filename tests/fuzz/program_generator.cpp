@@ -179,13 +179,14 @@ private:
                (choices_.oneIn(2) ? label : "") + ";";
     }
 
-    // What no loop of this place reaches into: the statements of a function, and those of a text.
+    // What no loop of this place reaches into: the statements of a function, and those of a text. Each
+    // quoting doubles the escapes of the texts within, so they nest a few times only.
     std::string apart(const std::string& rule, int depth) {
         const std::vector<int> outerLoops = std::exchange(loops_, {});
         const int outerFunctions = std::exchange(functions_, rule == "body" ? functions_ + 1 : 0);
         const std::string text = rule == "body"
                                      ? "{ " + made("block", depth) + " return " + made("expr", depth) + "; }"
-                                     : quoted(made("statement", depth));
+                                     : quoted(depth > 0 ? made("statement", depth - 1) : "");
         functions_ = outerFunctions;
         loops_ = outerLoops;
         return text;
