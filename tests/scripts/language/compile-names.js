@@ -1,5 +1,5 @@
 // Declarations, hoisting, and which variable a name means.
-function show(label, value) { WScript.Echo(label + ": " + value + "\n"); }
+// args: -load {root}/tests/support/show.js
 show("before its declaration", early() + " " + typeof later + " " + typeof late);
 function early() { return "early"; }
 var later = 1;

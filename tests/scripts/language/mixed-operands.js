@@ -25,7 +25,7 @@
 // expect: calls by key: zero true zero true
 // expect: calls on texts: ab2 5true
 // Operators whose operands are not what the machine guesses first, and sites that see several kinds.
-function show(label, value) { WScript.Echo(label + ": " + value + "\n"); }
+// args: -load {root}/tests/support/show.js
 function text(o) { return {toString: function () { return o; }, valueOf: function () { return o; }}; }
 var values = [5, "5", true, null, text("5"), text(5), "five"];
 function each(label, f) {

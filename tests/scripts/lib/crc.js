@@ -1,8 +1,6 @@
 // args: -load {root}/lib/number.js -load {root}/lib/crc.js
 // The values over the digits are the published check values, those over the large array come from other programs.
-function show(label, value) {
-    WScript.Echo(label + ": " + value + "\n");
-}
+// args: -load {root}/tests/support/show.js
 var digits = [49, 50, 51, 52, 53, 54, 55, 56, 57];
 show("check values", [Numbers.hex(Crc.zlib(digits), 8), Numbers.hex(Crc.bzip2(digits), 8), Numbers.hex(Crc.mpeg2(digits), 8),
      Numbers.hex(Crc.ccittFalse(digits), 4), Numbers.hex(Crc.sum32(digits), 8)]);

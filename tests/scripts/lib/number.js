@@ -1,7 +1,5 @@
 // args: -load {root}/lib/number.js
-function show(label, value) {
-    WScript.Echo(label + ": " + value + "\n");
-}
+// args: -load {root}/tests/support/show.js
 
 // Each text through the four readers: parse, parseHex, parseInteger, parseDecimal.
 var texts = ["", "  ", "-", "12", "-12", "+7", " 42\r\n", "1.5", "-0.25", ".5", "5.", "1.2.3", "12a", "0x1F", "0X", "-0x10",

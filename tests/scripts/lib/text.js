@@ -1,7 +1,5 @@
 // args: -load {root}/lib/text.js
-function show(label, value) {
-    WScript.Echo(label + ": " + value + "\n");
-}
+// args: -load {root}/tests/support/show.js
 function listed(array) { // every element between bars, so that empty ones are seen
     var text = "";
     for (var i = 0; i < array.length; i++) {

@@ -1,9 +1,7 @@
 // args: -define little={root}/examples/firmware/firmware.elf -define big={root}/examples/firmware/firmware-be.elf
 // args: -load {root}/lib/words.js
 // On the checked-in images: 20 bytes of constants at 0x08000C00, then a word, and nothing behind it.
-function show(label, value) {
-    WScript.Echo(label + ": " + value + "\n");
-}
+// args: -load {root}/tests/support/show.js
 function both(pair) {
     return pair == undefined ? undefined : pair.high + "/" + pair.low;
 }

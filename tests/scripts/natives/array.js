@@ -1,7 +1,5 @@
 // What each member of Array.prototype makes of gaps, undefined and null, and how length follows.
-function show(label, value) {
-    WScript.Echo(label + ": " + value + "\n");
-}
+// args: -load {root}/tests/support/show.js
 function slots(a) { // what is there, gaps told from undefined
     var text = "";
     for (var i = 0; i < a.length; i++) {
@@ -126,4 +124,4 @@ new [].push();
 // expect: elements of the prototype: 1,inherited,31|-|3 (3)1|inherited|3 (3)inherited (1)6|5|4 (3)inherited,inheritedinherited|- (2)
 // expect: functions of the class: 0 2 0 1 2
 // expect: toString on an object: undefined
-// expect error: line 101: new must be given a constructor object
+// expect error: line 99: new must be given a constructor object

@@ -1,8 +1,6 @@
 // Long arrays in the ways that programs use them: filled from either end, as a stack, as a queue, sorted.
 // max memory: 100
-function show(label, value) {
-    WScript.Echo(label + ": " + value + "\n");
-}
+// args: -load {root}/tests/support/show.js
 var n = 200000;
 var i;
 var a = [];

@@ -1,8 +1,6 @@
 // The members that move elements, against plain loops, over every small mixture of values, undefined and gaps
 // in several representations of the same array.
-var u = undefined;
-var failures = 0;
-
+// args: -load {root}/tests/support/arrays.js
 function make(code, count) { // base 3 digits: a value, undefined, a gap
     var a = new Array(count);
     for (var i = 0; i < count; i++) {
@@ -19,54 +17,25 @@ function make(code, count) { // base 3 digits: a value, undefined, a gap
 function backwards(a) { // the same, stored from the end
     var b = new Array(a.length);
     for (var i = a.length - 1; i >= 0; i--) {
-        if (a.hasOwnProperty(i)) {
-            b[i] = a[i];
-        }
+        if (a.hasOwnProperty(i)) { b[i] = a[i]; }
     }
     return b;
 }
 function tailDeleted(a) { // the same, behind which elements have come and gone
     var b = a.slice(0);
     b.length = a.length;
-    for (var i = 0; i < 3; i++) {
-        b.push(i);
-    }
+    b.push(0);
+    b.push(1);
+    b.push(2);
     b.length = a.length;
-    for (i = 0; i < a.length; i++) {
-        if (a.hasOwnProperty(i)) {
-            b[i] = a[i];
-        }
-    }
-    return b;
+    return copy(a, b);
 }
 function lookalike(a) { // the same as a plain object
-    var o = new Object();
-    o.length = a.length;
-    for (var i = 0; i < a.length; i++) {
-        if (a.hasOwnProperty(i)) {
-            o[i] = a[i];
-        }
-    }
-    o.slice = a.slice;
-    o.reverse = a.reverse;
-    o.shift = a.shift;
-    o.pop = a.pop;
-    o.join = a.join;
+    var o = copy(a, new Object());
+    var members = ["slice", "reverse", "shift", "pop", "join"];
+    for (var i = 0; i < members.length; i++) { o[members[i]] = a[members[i]]; }
     return o;
 }
-function state(a) {
-    var text = a.length + ":";
-    for (var i = 0; i <= 12; i++) {
-        text = text + (a.hasOwnProperty(i) ? a[i] : "-") + ",";
-    }
-    return text;
-}
-function check(what, actual, expected) {
-    if (actual != expected && failures++ < 10) {
-        WScript.Echo(what + " gives " + actual + " instead of " + expected + "\n");
-    }
-}
-
 function plainReverse(a) {
     for (var i = 0; i < Math.floor(a.length / 2); i++) {
         var x = a[i];
@@ -97,25 +66,16 @@ function plainSlice(a, start, end) {
 }
 function plainConcat(a, b) {
     var c = [];
-    for (var i = 0; i < a.length; i++) {
-        if (a[i] != u) { c[c.length] = a[i]; }
-    }
-    for (i = 0; i < b.length; i++) {
-        if (b[i] != u) { c[c.length] = b[i]; }
+    for (var i = 0; i < a.length + b.length; i++) {
+        var x = i < a.length ? a[i] : b[i - a.length];
+        if (x != u) { c[c.length] = x; }
     }
     return c;
 }
-function plainText(a) {
+function plainText(a, separator, isJoin) {
     var text = "";
     for (var i = 0; i < a.length; i++) {
-        text = text + (i == 0 ? "" : ",") + String(a[i]);
-    }
-    return text;
-}
-function plainJoin(a) {
-    var text = "";
-    for (var i = 0; i < a.length; i++) {
-        if (a[i] != u) { text = text + (i == 0 ? "" : ";") + a[i]; }
+        if (a[i] != u || !isJoin) { text += (i == 0 ? "" : separator) + String(a[i]); }
     }
     return text;
 }
@@ -125,14 +85,14 @@ function checkForm(what, form, code, count) {
     var model = make(code, count);
     var a = form(model);
     check(name + "made", state(a), state(model));
-    check(name + "join", a.join(";"), plainJoin(model));
+    check(name + "join", a.join(";"), plainText(model, ";", true));
     for (var start = 0; start <= count; start++) {
         var end = count - start % 2;
         check(name + "slice " + start, state(a.slice(start, end)), state(plainSlice(model, start, end)));
     }
     if (form != lookalike) {
         check(name + "concat", state(a.concat(backwards(a))), state(plainConcat(model, model)));
-        check(name + "toString", "" + a, plainText(model));
+        check(name + "toString", "" + a, plainText(model, ",", false));
         a.length = count - 1;
         model.length = count - 1;
         check(name + "length", state(a), state(model));

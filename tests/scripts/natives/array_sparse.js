@@ -1,8 +1,6 @@
 // Lengths far beyond what is there cost nothing.
 // max memory: 50
-function show(label, value) {
-    WScript.Echo(label + ": " + value + "\n");
-}
+// args: -load {root}/tests/support/show.js
 function names(a) {
     var text = "";
     for (var k in a) {
@@ -70,4 +68,4 @@ delete Object.prototype[70000];
 // expect: an element that adds one: xolate xolate
 // expect: too long: NaN
 // expect: inherited: ;inherited 1=inherited (2)inherited
-// expect error: line 55: length too large
+// expect error: line 53: length too large

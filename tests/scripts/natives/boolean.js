@@ -1,11 +1,5 @@
 // Boolean and its prototype.
-function show(list) {
-    var text = "";
-    for (var i = 0; i < list.length; i++) {
-        text += (i > 0 ? "|" : "") + list[i];
-    }
-    WScript.Echo(text + "\n");
-}
+// args: -load {root}/tests/support/show.js
 
 show([Boolean(), Boolean(0), Boolean(-0), Boolean(""), Boolean(null), Boolean("false"), Boolean(NaN), Boolean([])]);
 // expect: false|false|false|false|false|true|true|true
@@ -23,4 +17,4 @@ show([Boolean.prototype.valueOf(), Boolean.prototype.toString.length, Boolean.pr
 var o = new Object();
 o.f = Boolean.prototype.valueOf;
 o.f();
-// expect error: line 25: Boolean.prototype.toString called on non-Boolean object
+// expect error: line 19: Boolean.prototype.toString called on non-Boolean object

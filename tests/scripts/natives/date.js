@@ -1,12 +1,6 @@
 // Date: reading, printing and changing a moment. Day 0 of the count is Julian day 0, and there are no zones.
 // env: TZ=Europe/Berlin
-function show(list) {
-    var text = "";
-    for (var i = 0; i < list.length; i++) {
-        text += (i > 0 ? "|" : "") + list[i];
-    }
-    WScript.Echo(text + "\n");
-}
+// args: -load {root}/tests/support/show.js
 function at(time) {
     var d = new Date(0);
     d.setTime(time);

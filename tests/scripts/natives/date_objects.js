@@ -1,11 +1,5 @@
 // Date objects: how they are made, what is registered, and the order of conversions.
-function show(list) {
-    var text = "";
-    for (var i = 0; i < list.length; i++) {
-        text += (i > 0 ? "|" : "") + list[i];
-    }
-    WScript.Echo(text + "\n");
-}
+// args: -load {root}/tests/support/show.js
 var epoch = 210866803200000; // 1 January 1970
 
 // Without an argument the present moment, which doesn't go backwards in between.
@@ -63,4 +57,4 @@ show([o.getTimezoneOffset()]);
 o.setHours = Date.prototype.setHours;
 o.setHours({valueOf: function () { WScript.Echo("first\n"); return 1; }}, spy);
 // expect: first
-// expect error: line 64: Date object required
+// expect error: line 58: Date object required

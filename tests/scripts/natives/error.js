@@ -1,7 +1,5 @@
 // The six error classes: data alone makes them differ.
-function show(label, value) {
-    WScript.Echo(label + ": " + value + "\n");
-}
+// args: -load {root}/tests/support/show.js
 function describe(name, make) {
     var e = make("text");
     var inherited = make();
@@ -45,4 +43,4 @@ TypeError("unused")();
 // expect: constructors: true 1 TypeError
 // expect: deleting: false true false Error
 // expect: assigning: y z z
-// expect error: line 34: not a function object
+// expect error: line 32: not a function object

@@ -1,7 +1,5 @@
 // Function, which compiles text at run time, and Function.prototype.
-function show(label, value) {
-    WScript.Echo(label + ": " + value + "\n");
-}
+// args: -load {root}/tests/support/show.js
 var name = "global name";
 function made() {
     var name = "local name";

@@ -1,7 +1,5 @@
 // The global functions and values. A text that fails inside eval is dropped, so its value shows as undefined.
-function show(label, value) {
-    WScript.Echo(label + ": " + value + "\n");
-}
+// args: -load {root}/tests/support/show.js
 var x = "global x";
 function evalInside() {
     var x = "local x";
@@ -80,4 +78,4 @@ new isNaN();
 // expect: NaN: 1
 // expect: enumerable: isNaN 
 // expect: new eval(): undefined
-// expect error: line 57: new must be given a constructor object
+// expect error: line 55: new must be given a constructor object

@@ -19,9 +19,7 @@
 // file: itself.js
 //| var depth = depth + 1;
 //| if (depth < 20) { load("itself.js"); }
-function show(label, value) {
-    WScript.Echo(label + ": " + value + "\n");
-}
+// args: -load {root}/tests/support/show.js
 var depth = 0;
 show("good", load("good.js") + " " + fromGood);
 show("bad syntax", load("bad syntax.js") + " " + (typeof fromBad));

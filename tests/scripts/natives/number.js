@@ -1,11 +1,5 @@
 // Number, its constants, and the digits that toString and toFixed print.
-function show(list) {
-    var text = "";
-    for (var i = 0; i < list.length; i++) {
-        text += (i > 0 ? "|" : "") + list[i];
-    }
-    WScript.Echo(text + "\n");
-}
+// args: -load {root}/tests/support/show.js
 
 show([Number(), Number(""), Number("  "), Number("0x10"), Number(null), Number(true), Number("1e3"), Number("12abc")]);
 // expect: NaN|NaN|NaN|16|0|1|1000|NaN

@@ -1,7 +1,5 @@
 // Object and the members of its prototype.
-function show(label, value) {
-    WScript.Echo(label + ": " + value + "\n");
-}
+// args: -load {root}/tests/support/show.js
 var o = new Object();
 o.own = 1;
 show("Object()", Object() + " " + Object(null) + " " + Object(undefined));
@@ -52,4 +50,4 @@ new o.toString();
 // expect: enumeration: constructor toString toLocaleString valueOf hasOwnProperty isPrototypeOf propertyIsEnumerable own asText 
 // expect: no call: undefined
 // expect: bare call: [object global]
-// expect error: line 39: new must be given a constructor object
+// expect error: line 37: new must be given a constructor object

@@ -1,11 +1,5 @@
 // What the members of String and String.prototype give.
-function show(list) {
-    var text = "";
-    for (var i = 0; i < list.length; i++) {
-        text += (i > 0 ? "|" : "") + list[i];
-    }
-    WScript.Echo(text + "\n");
-}
+// args: -load {root}/tests/support/show.js
 
 show([String(), String(null), String(1.5), String("x"), typeof String(1)]);
 // expect: undefined|null|1.5|x|string

@@ -1,11 +1,5 @@
 // String objects: `length`, properties, members on other objects, order of conversions, what is registered.
-function show(list) {
-    var text = "";
-    for (var i = 0; i < list.length; i++) {
-        text += (i > 0 ? "|" : "") + list[i];
-    }
-    WScript.Echo(text + "\n");
-}
+// args: -load {root}/tests/support/show.js
 
 var s = new String("abc");
 s.length = 1;

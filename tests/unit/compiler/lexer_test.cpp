@@ -97,32 +97,6 @@ TEST_F(Lexer, SplitsText) {
     }
 }
 
-TEST_F(Lexer, KnowsEveryWord) {
-    int words = 0;
-    for (const ESTokenRow& row : tokenTable) {
-        const QString text = QString::fromLatin1(row.text);
-        const auto* characters = reinterpret_cast<const char16_t*>(text.utf16());
-        const auto length = static_cast<std::size_t>(text.size());
-        const bool isWord = row.role != ESTokenRole::Named;
-        words += isWord ? 1 : 0;
-        EXPECT_EQ(wordKind(characters, length), isWord ? row.kind : TokenIdentifier) << row.text;
-        EXPECT_EQ(wordKind(characters, length - 1), TokenIdentifier) << "a part of " << row.text;
-    }
-    EXPECT_EQ(words, 35);
-}
-
-TEST_F(Lexer, NamesKinds) {
-    const struct {
-        std::int32_t kind;
-        const char* name;
-    } rows[] = {{59, ";"},           {128, "end of input"},      {153, "a number"},
-                {158, "token<158>"}, {181, "token<181>"},        {187, "--"},
-                {197, "token<197>"}, {214, "try-catch-finally"}, {215, "token<215>"}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(tokenName(row.kind).toStdString(), row.name);
-    }
-}
-
 TEST_F(Lexer, CountsLines) {
     const Row rows[] = {
         {"a\nb", "a ^b@2"},  {"a\r\nb\rc", "a ^b@2 ^c"}, {"a/*x\ny*/b", "a b@2"},       {"a//x\nb", "a ^b@2"},
@@ -170,9 +144,8 @@ TEST_F(Lexer, ReadsStrings) {
 
 TEST_F(Lexer, RefusesWhatIsNoToken) {
     const Row rows[] = {
-        {"#", "line 1: unknown character '#'"},
-        {"a\xe9", "line 1: unknown character '\xc3\xa9'"},
         {"\n\n a \\", "line 3: unknown character '\\'"},
+        {"a\xe9", "line 1: unknown character '\xc3\xa9'"},
         {"'a\nb'", "line 1: newline in string constant"},
         {"'a\\\r\nb'", "line 1: newline in string constant"},
         {"\n'a", "line 2: end of file in string constant"},
@@ -186,42 +159,6 @@ TEST_F(Lexer, RefusesWhatIsNoToken) {
     }
     EXPECT_EQ(message(QStringLiteral("a \u20ac")), "line 1: unknown character '\xe2\x82\xac'");
     EXPECT_EQ(tokens(QStringLiteral("'\u20ac' /* \u20ac */")), "'\xe2\x82\xac'");
-}
-
-// Equal literals of one function share a place; NaN equals nothing. Both forms of the search, and more
-// numbers than either takes at once.
-TEST_F(Lexer, PoolsNumbers) {
-    ESFunctionScope scope(nullptr, true);
-    for (int round = 0; round < 2; ++round) {
-        for (int i = 0; i < 100; ++i) {
-            EXPECT_EQ(scope.addNumber(i), i);
-        }
-    }
-    EXPECT_EQ(scope.addNumber(-0.0), 0);
-    EXPECT_EQ(scope.addNumber(esNaN), 100);
-    EXPECT_EQ(scope.addNumber(esNaN), 101);
-    EXPECT_EQ(scope.addNumber(102.5), 102);
-    EXPECT_EQ(scope.addNumber(102.5), 102);
-}
-
-// A later declaration takes the name over, however many there are.
-TEST_F(Lexer, RenamesEarlierDeclarations) {
-    for (const int others : {0, 5, 100}) {
-        ESFunctionScope scope(nullptr, false);
-        const ESAtom name = intern("renamed");
-        declareName(ctx, scope, name, DontDelete | ParameterSlot, true);
-        for (int i = 0; i < others; ++i) {
-            declareName(ctx, scope, intern(QStringLiteral("other%1").arg(i)), DontEnum, false);
-        }
-        declareName(ctx, scope, name, 0, true);
-        declareName(ctx, scope, name, DontEnum, false);
-        EXPECT_EQ(scope.find(name), others + 1);
-        EXPECT_EQ(scope.block->variables.size(), static_cast<std::size_t>(others) + 2);
-        EXPECT_TRUE(scope.block->variables[0].atom->toString().startsWith(QStringLiteral("CG")));
-        EXPECT_EQ(scope.find(scope.block->variables[0].atom), 0);
-        EXPECT_EQ(scope.block->argCount, 1);
-        EXPECT_EQ(scope.block->localCount, others + 2) << "a repeated name counts again";
-    }
 }
 
 } // namespace
