@@ -8,6 +8,9 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <memory>
+#include <random>
+#include <tuple>
 
 namespace {
 
@@ -16,9 +19,10 @@ class ElfFileTest : public testing::TestWithParam<bool> {
 protected:
     // The message of a failed load, or the empty text.
     std::string load(const Bytes& bytes, std::uint32_t addressOffset = 0) {
-        path = folder.write("test.elf", bytes);
+        auto copied = std::make_unique<std::uint8_t[]>(bytes.size());
+        std::copy(bytes.begin(), bytes.end(), copied.get());
         try {
-            file.load(FilePath(path.c_str()), addressOffset);
+            file.load(ImageBytes(std::move(copied), bytes.size()), FilePath("a.elf"), addressOffset);
         } catch (const HException& failure) {
             return failure.text();
         }
@@ -36,8 +40,6 @@ protected:
         return bytes;
     }
 
-    TemporaryFolder folder;
-    std::string path;
     ElfFile file;
     ElfBuilder builder{GetParam()};
 };
@@ -47,29 +49,20 @@ INSTANTIATE_TEST_SUITE_P(BothOrders, ElfFileTest, testing::Bool(),
 
 TEST_P(ElfFileTest, ReadsHeadersInTheFilesOrder) {
     builder.programs = {{0x1000, 0x9000, countingBytes(16), PT_LOAD}, {0x2000, 0x2000, {}, PT_NOTE}};
-    builder.sections = {{".text", SHT_PROGBITS, countingBytes(8), 0}};
+    builder.sections = {{".x", SHT_PROGBITS, countingBytes(8)}, {".x", SHT_STRTAB, bytesOf("abc")}};
     ASSERT_EQ(load(builder.build(), 0xFFFFF800), "");
     EXPECT_EQ(file.isBigEndian(), GetParam());
     ASSERT_EQ(file.programs().size(), 2U);
     EXPECT_EQ(file.programs()[0].header.p_vaddr, 0x800U); // the offset wraps
     EXPECT_EQ(file.programs()[0].header.p_paddr, 0x8800U);
-    EXPECT_EQ(file.programs()[0].data.size(), 16U);
     EXPECT_EQ(file.programs()[1].header.p_type, std::uint32_t{PT_NOTE});
-    ASSERT_NE(file.findSection(".text"), nullptr);
-    EXPECT_EQ(file.findSection(".text")->header.sh_addr, 0xFFFFF800U);
-    EXPECT_EQ(file.findSection(".tex"), nullptr);
-    EXPECT_EQ(file.findSection("text"), nullptr);
-}
-
-TEST_P(ElfFileTest, ALaterSectionOfTheSameNameCounts) {
-    builder.sections = {{".x", SHT_PROGBITS, countingBytes(8), 0}, {".x", SHT_STRTAB, bytesOf("abc"), 0}};
-    ASSERT_EQ(load(builder.build()), "");
-    const ElfSection& section = *file.findSection(".x");
+    const ElfSection& section = *file.findSection(".x"); // the later one of the name
+    EXPECT_EQ(section.header.sh_addr, 0xFFFFF800U);
     EXPECT_EQ(ElfFile::stringAt(section, 0), QString::fromLatin1("abc")); // no NUL: up to the end
-    EXPECT_EQ(ElfFile::stringAt(section, 2), QString::fromLatin1("c"));
     EXPECT_EQ(ElfFile::stringAt(section, 3), QString());
-    EXPECT_EQ(ElfFile::stringAt(section, 0xFFFFFFFF), QString());
     EXPECT_THROW(ElfFile::stringAt(file.sections()[1], 0), HException);
+    EXPECT_EQ(file.findSection("."), nullptr);
+    EXPECT_EQ(file.findSection("x"), nullptr);
 }
 
 TEST_P(ElfFileTest, FindsSymbolsByDemangledName) {
@@ -82,26 +75,19 @@ TEST_P(ElfFileTest, FindsSymbolsByDemangledName) {
         {"i", 9, STT_OBJECT},          {"undefined", 0, STT_NOTYPE, SHN_UNDEF},
     };
     ASSERT_EQ(load(builder.build(), 0x10), "");
-    EXPECT_EQ(symbol("foo(int)"), 0x8010U);
-    EXPECT_EQ(symbol("_Z3fooi"), std::nullopt);
-    EXPECT_EQ(symbol("arm_code"), 0x8010U);
-    EXPECT_EQ(symbol("data"), 0x8011U);
-    EXPECT_EQ(symbol("thumb"), 0x8013U);
-    EXPECT_EQ(symbol("label"), 0x8015U);
-    EXPECT_EQ(symbol("bar()"), 0x17U);
-    EXPECT_EQ(symbol("absolute"), 0xFU);
-    EXPECT_EQ(symbol("undefined"), 0x10U);
-    EXPECT_EQ(symbol("i"), std::nullopt);
-    EXPECT_EQ(symbol("int"), 0x19U);
-    for (const char* dropped : {"$d", "$()", "", "foo", "foo(int) "}) {
+    const std::vector<std::tuple<const char*, std::uint32_t, SymbolKind>> found = {
+        {"foo(int)", 0x8010, SymbolKind::Thumb}, {"arm_code", 0x8010, SymbolKind::Arm},
+        {"data", 0x8011, SymbolKind::Other},     {"thumb", 0x8013, SymbolKind::Thumb},
+        {"label", 0x8015, SymbolKind::Thumb},    {"bar()", 0x17, SymbolKind::Other},
+        {"absolute", 0xF, SymbolKind::Other},    {"undefined", 0x10, SymbolKind::Other},
+        {"int", 0x19, SymbolKind::Other}};
+    for (const auto& [name, value, kind] : found) {
+        ASSERT_EQ(symbol(name), value) << name;
+        EXPECT_EQ(file.findSymbol(name)->kind, kind) << name;
+    }
+    for (const char* dropped : {"$d", "$()", "", "foo", "foo(int) ", "_Z3fooi", "i"}) {
         EXPECT_EQ(symbol(dropped), std::nullopt) << dropped;
     }
-    EXPECT_EQ(file.findSymbol("foo(int)")->kind, SymbolKind::Thumb);
-    EXPECT_EQ(file.findSymbol("arm_code")->kind, SymbolKind::Arm);
-    EXPECT_EQ(file.findSymbol("data")->kind, SymbolKind::Other);
-    EXPECT_EQ(file.findSymbol("thumb")->kind, SymbolKind::Thumb);
-    EXPECT_EQ(file.findSymbol("foo(int)"), file.findSymbol("foo(int)"));
-
     std::vector<std::string> names;
     for (const ElfSymbol& each : file.symbolsByValue()) {
         names.push_back(each.name.toStdString());
@@ -111,23 +97,16 @@ TEST_P(ElfFileTest, FindsSymbolsByDemangledName) {
 }
 
 TEST_P(ElfFileTest, TheLinkersCommentChoosesTheStyleOfNames) {
-    const struct {
-        const char* comment;
-        bool isArm;
-    } cases[] = {{"ARM Linker, ADS1.2 [Build 805]", true},
-                 {"ARM Linker, ADS1.2", true},
-                 {"ARM Linker, ADS1.", false},
-                 {" ARM Linker, ADS1.2", false},
-                 {"ARM Linker, RVCT3.1", false},
-                 {"GCC: (GNU) 12", false},
-                 {"", false}};
-    for (const auto& each : cases) {
-        builder.sections = {{".comment", SHT_PROGBITS, bytesOf(each.comment), 0}};
+    for (const auto& [comment, isArm] : {std::pair{"ARM Linker, ADS1.2 [Build 805]", true},
+                                         {"ARM Linker, ADS1.2", true},
+                                         {"ARM Linker, ADS1.", false},
+                                         {" ARM Linker, ADS1.2", false}}) {
+        builder.sections = {{".comment", SHT_PROGBITS, bytesOf(comment)}};
         builder.symbols = {{"f__Fi", 4}, {"_Z1gv", 8}};
         ASSERT_EQ(load(builder.build()), "");
-        EXPECT_EQ(symbol("f(int)").has_value(), each.isArm) << each.comment;
-        EXPECT_EQ(symbol("_Z1gv").has_value(), each.isArm) << each.comment;
-        EXPECT_EQ(symbol("g()").has_value(), !each.isArm) << each.comment;
+        EXPECT_EQ(symbol("f(int)").has_value(), isArm) << comment;
+        EXPECT_EQ(symbol("_Z1gv").has_value(), isArm) << comment;
+        EXPECT_EQ(symbol("g()").has_value(), !isArm) << comment;
     }
 }
 
@@ -138,10 +117,11 @@ TEST_P(ElfFileTest, RefusesWhatItCannotTrust) {
         };
     };
     builder.programs = {{0x1000, 0x1000, countingBytes(16), PT_LOAD}};
-    builder.sections = {{".comment", SHT_PROGBITS, bytesOf("GCC"), 0}};
+    builder.sections = {{".comment", SHT_PROGBITS, bytesOf("GCC")}};
     builder.symbols = {{"first", 1}};
     const Bytes good = builder.build();
     ASSERT_EQ(load(good), "");
+    constexpr const char* invalid = "invalid ELF file: a.elf";
     const auto section = [&](std::size_t index, std::size_t field) {
         return builder.sectionTable + index * sizeof(Elf32_Shdr) + field * 4;
     };
@@ -150,39 +130,35 @@ TEST_P(ElfFileTest, RefusesWhatItCannotTrust) {
         std::function<void(Bytes&)> change;
         const char* message;
     } cases[] = {
-        {"no magic", patched(1, {'e'}), "invalid ELF file: "},
-        {"64-bit", patched(EI_CLASS, {ELFCLASS64}), "invalid ELF file: "},
-        {"only the magic", [](Bytes& image) { image.resize(4); }, "invalid ELF file: "},
-        {"half a header", [](Bytes& image) { image.resize(51); }, "invalid ELF file: "},
-        {"no bytes", [](Bytes& image) { image.clear(); }, "invalid ELF file: "},
-        {"cut in the section table", [](Bytes& image) { image.pop_back(); }, "invalid ELF file: "},
-        {"program table outside", patched(28, {0x7F, 0xFF, 0xFF, 0x7F}), "invalid ELF file: "},
-        {"too many programs", patched(44, {0xFF, 0xFF}), "invalid ELF file: "},
-        {"comment outside", patched(section(1, 4), {0x7F, 0, 0, 0x7F}), "invalid ELF file: "},
-        {"symbols outside", patched(section(2, 5), {0x7F, 0, 0, 0x7F}), "invalid ELF file: "},
-        {"symbols without size", patched(section(2, 9), {0, 0, 0, 0}), "invalid ELF file: "},
-        {"strings outside", patched(section(3, 4), {0x7F, 0, 0, 0x7F}), "invalid ELF file: "},
-        {"names outside", patched(section(4, 4), {0x7F, 0, 0, 0x7F}), "invalid ELF file: "},
+        {"64-bit", patched(EI_CLASS, {ELFCLASS64}), invalid},
+        {"only the magic", [](Bytes& image) { image.resize(4); }, invalid},
+        {"half a header", [](Bytes& image) { image.resize(51); }, invalid},
+        {"no bytes", [](Bytes& image) { image.clear(); }, invalid},
+        {"cut in the section table", [](Bytes& image) { image.pop_back(); }, invalid},
+        {"program table outside", patched(28, {0x7F, 0xFF, 0xFF, 0x7F}), invalid},
+        {"too many programs", patched(44, {0xFF, 0xFF}), invalid},
+        {"comment outside", patched(section(1, 4), {0x7F, 0, 0, 0x7F}), invalid},
+        {"symbols outside", patched(section(2, 5), {0x7F, 0, 0, 0x7F}), invalid},
+        {"symbols without size", patched(section(2, 9), {0, 0, 0, 0}), invalid},
+        {"strings outside", patched(section(3, 4), {0x7F, 0, 0, 0x7F}), invalid},
+        {"names outside", patched(section(4, 4), {0x7F, 0, 0, 0x7F}), invalid},
         {"strings of another type", patched(section(3, 1), {1, 0, 0, 1}), "not a string section"},
         {"names of another type", patched(section(4, 1), {1, 0, 0, 1}), "not a string section"},
     };
     for (const auto& each : cases) {
         Bytes image = good;
         each.change(image);
-        const std::string expected =
-            each.message +
-            (std::string(each.message).ends_with(": ") ? folder.file("test.elf") : std::string());
-        EXPECT_EQ(load(image), expected) << each.what;
+        EXPECT_EQ(load(image), each.message) << each.what;
         EXPECT_TRUE(file.image().empty()) << each.what;
         EXPECT_TRUE(file.programs().empty()) << each.what;
         EXPECT_EQ(symbol("first"), std::nullopt) << each.what;
     }
     builder.hasStrings = false;
-    EXPECT_EQ(load(builder.build()), "invalid ELF file: " + path);
+    EXPECT_EQ(load(builder.build()), "invalid ELF file: a.elf");
     // Entries of 16 bytes leave the file where the section says that they are smaller.
     builder.hasStrings = true;
     builder.symbolSize = 1;
-    EXPECT_EQ(load(builder.build()), "invalid ELF file: " + path);
+    EXPECT_EQ(load(builder.build()), "invalid ELF file: a.elf");
 }
 
 TEST_P(ElfFileTest, LoadsWhatTheFileHolds) {
@@ -193,12 +169,11 @@ TEST_P(ElfFileTest, LoadsWhatTheFileHolds) {
     ASSERT_EQ(load(image), "");
     EXPECT_EQ(symbol("main"), std::nullopt);
     EXPECT_TRUE(file.bytesAt(0x1008, 4, AddressSpace::Virtual));
-    EXPECT_FALSE(file.bytesAt(0x100A, 4, AddressSpace::Virtual));
-    EXPECT_EQ(copy(0x100A, 4, 0xEE), (Bytes{10, 11, 0xEE, 0xEE}));
+    EXPECT_FALSE(file.bytesAt(0x1009, 4, AddressSpace::Virtual));
 
     // Sections that nothing asks for may lie anywhere; names may lie outside of their table.
-    builder = ElfBuilder(GetParam());
-    builder.sections = {{".debug", SHT_PROGBITS, countingBytes(4), 0}};
+    builder.hasSections = true;
+    builder.sections = {{".debug", SHT_PROGBITS, countingBytes(4)}};
     builder.symbols = {{"first", 1}, {"second", 2}};
     image = builder.build();
     for (std::size_t i = 0; i < 4; ++i) {
@@ -209,90 +184,63 @@ TEST_P(ElfFileTest, LoadsWhatTheFileHolds) {
     EXPECT_TRUE(file.sections()[1].data.empty());
     EXPECT_EQ(symbol("first"), std::nullopt);
     EXPECT_EQ(symbol("second"), 2U);
-    // and a failed load takes all of it away
-    EXPECT_EQ(load(bytesOf("no image")), "invalid ELF file: " + path);
-    EXPECT_EQ(symbol("second"), std::nullopt);
 }
 
 TEST_P(ElfFileTest, MapsAddressesToBytes) {
-    builder.programs = {{0x1000, 0x8000, countingBytes(16, 1), PT_LOAD},
-                        {0x1020, 0x8010, countingBytes(16, 101), PT_LOAD},
-                        {0xFFFFFFF8, 0xFFFFFFF8, countingBytes(16, 201), PT_LOAD}};
+    builder.programs = {{0x100, 0x8000, Bytes(32, 1), PT_LOAD},
+                        {0x108, 0x8010, Bytes(8, 2), PT_LOAD},
+                        {0x0F8, 0x9000, Bytes(12, 3), PT_LOAD},
+                        {0x10C, 0, {}, PT_LOAD},
+                        {0xFFFFFFF8, 0, countingBytes(16), PT_LOAD}};
     ASSERT_EQ(load(builder.build()), "");
-    const Bytes first = countingBytes(16, 1);
-    const Bytes second = countingBytes(16, 101);
-    const auto joined = [](std::initializer_list<Bytes> parts) {
-        Bytes all;
-        for (const Bytes& part : parts) {
-            all.insert(all.end(), part.begin(), part.end());
-        }
-        return all;
-    };
-    EXPECT_EQ(copy(0x1000, 0x30, 0xFF), joined({first, Bytes(16, 0xFF), second}));
-    EXPECT_EQ(copy(0xFF0, 0x50), joined({Bytes(16), first, Bytes(16), second, Bytes(16)}));
-    EXPECT_EQ(copy(0x1004, 4), (Bytes{5, 6, 7, 8}));
-    EXPECT_EQ(copy(0, 4, 9), Bytes(4, 9));
-    // the address space ends at 2^32
-    EXPECT_EQ(copy(0xFFFFFFF6, 14, 7), (Bytes{7, 7, 201, 202, 203, 204, 205, 206, 207, 208, 7, 7, 7, 7}));
-    EXPECT_TRUE(file.bytesAt(0xFFFFFFFC, 4, AddressSpace::Virtual));
-    EXPECT_FALSE(file.bytesAt(0xFFFFFFFD, 4, AddressSpace::Virtual));
-
-    EXPECT_TRUE(file.bytesAt(0x100C, 4, AddressSpace::Virtual));
-    EXPECT_FALSE(file.bytesAt(0x100D, 4, AddressSpace::Virtual));
-    EXPECT_FALSE(file.bytesAt(0xFFF, 4, AddressSpace::Virtual));
-    EXPECT_FALSE(file.bytesAt(0x800E, 4, AddressSpace::Physical)); // from one header into the next
-    EXPECT_EQ(file.bytesAt(0x8010, 4, AddressSpace::Physical)->data(),
-              file.bytesAt(0x1020, 4, AddressSpace::Virtual)->data());
-    EXPECT_FALSE(file.bytesAt(0x8010, 4, AddressSpace::Virtual));
-
-    // A patch is seen at once and saved.
-    std::fill_n(file.bytesAt(0x1002, 2, AddressSpace::Virtual)->begin(), 2, std::uint8_t{0xAB});
-    EXPECT_EQ(copy(0x1001, 4), (Bytes{2, 0xAB, 0xAB, 5}));
-}
-
-TEST_P(ElfFileTest, TheLastOfOverlappingProgramsCounts) {
-    builder.programs = {{0x100, 0, Bytes(32, 1), PT_LOAD},
-                        {0x108, 0, Bytes(8, 2), PT_LOAD},
-                        {0x0F8, 0, Bytes(12, 3), PT_LOAD},
-                        {0x10C, 0, {}, PT_LOAD}};
-    ASSERT_EQ(load(builder.build()), "");
-    Bytes expected(48, 0xEE);
-    for (const TestProgram& program : builder.programs) {
+    Bytes expected(48, 0xEE); // where programs overlap, the last one counts
+    for (std::size_t i = 0; i < 3; ++i) {
+        const TestProgram& program = builder.programs[i];
         std::copy(program.bytes.begin(), program.bytes.end(), expected.begin() + (program.vaddr - 0xF0));
     }
-    EXPECT_EQ(copy(0xF0, 48, 0xEE), expected);
     for (std::uint32_t start = 0; start < 48; ++start) {
         for (std::uint32_t length = 1; start + length <= 48; ++length) {
+            const auto part = std::span(expected).subspan(start, length);
+            EXPECT_TRUE(std::ranges::equal(copy(0xF0 + start, length, 0xEE), part));
             EXPECT_EQ(file.crc32(0xF0 + start, length, AddressSpace::Virtual, 0xEE),
-                      computeCrc32(expected.data() + start, length))
-                << start << " " << length;
-            if (const auto whole = file.wholeRange(0xF0 + start, length, AddressSpace::Virtual)) {
-                EXPECT_TRUE(std::equal(whole->begin(), whole->end(), expected.begin() + start));
+                      computeCrc32(part.data(), length));
+            const auto whole = file.wholeRange(0xF0 + start, length, AddressSpace::Virtual);
+            EXPECT_TRUE(!whole || std::ranges::equal(*whole, part));
+        }
+    }
+    EXPECT_EQ(file.crc32(0, 0, AddressSpace::Virtual, 0), 0U);
+    const Bytes gap(100'000, 0x5A);
+    EXPECT_EQ(file.crc32(0x1234, gap.size(), AddressSpace::Virtual, 0x5A),
+              computeCrc32(gap.data(), gap.size()));
+    // The address space ends at 2^32.
+    EXPECT_EQ(copy(0xFFFFFFF6, 14, 7), (Bytes{7, 7, 0, 1, 2, 3, 4, 5, 6, 7, 7, 7, 7, 7}));
+    EXPECT_TRUE(file.bytesAt(0xFFFFFFFC, 4, AddressSpace::Virtual));
+    EXPECT_FALSE(file.bytesAt(0xFFFFFFFD, 4, AddressSpace::Virtual));
+    // A word is that of the first program that holds all of it.
+    EXPECT_EQ(file.bytesAt(0x108, 2, AddressSpace::Virtual)->front(), 1);
+    EXPECT_EQ(file.bytesAt(0x8010, 4, AddressSpace::Physical)->data(), file.programs()[0].data.data() + 16);
+    EXPECT_FALSE(file.bytesAt(0x0FF, 32, AddressSpace::Virtual));
+}
+
+// Against the plainest reading, over all ranges of some hundred arrangements.
+TEST(ProgramFinder, FindsTheFirstThatHoldsTheRangeWhole) {
+    std::mt19937 random(1);
+    for (int round = 0; round < 300; ++round) {
+        std::vector<AddressRun> programs(random() % 20);
+        for (AddressRun& program : programs) {
+            program.start = random() % 40;
+            program.end = program.start + random() % 15;
+        }
+        const ProgramFinder finder(programs);
+        for (std::uint64_t start = 0; start < 60; ++start) {
+            for (std::uint64_t end = start; end < start + 12; ++end) {
+                const auto holder = std::ranges::find_if(
+                    programs, [&](const AddressRun& run) { return start >= run.start && end <= run.end; });
+                ASSERT_EQ(finder.find(start, end).value_or(programs.size()),
+                          static_cast<std::size_t>(holder - programs.begin()));
             }
         }
     }
-    EXPECT_EQ(file.bytesAt(0x108, 2, AddressSpace::Virtual)->front(), 1); // the first that holds all of it
-}
-
-TEST_P(ElfFileTest, ChecksumsOfGapsNeedNoMemory) {
-    ASSERT_EQ(load(builder.build()), "");
-    const Bytes gap(100'000, 0x5A);
-    EXPECT_EQ(file.crc32(0x1234, gap.size(), AddressSpace::Physical, 0x5A),
-              computeCrc32(gap.data(), gap.size()));
-    EXPECT_EQ(file.crc32(0, 0, AddressSpace::Physical, 0), 0U);
-}
-
-TEST_P(ElfFileTest, SavesTheFileAsItCame) {
-    builder.programs = {{0x1000, 0x1000, countingBytes(16), PT_LOAD}};
-    builder.symbols = {{"_Z3fooi", 0x8001, STT_FUNC}};
-    const Bytes image = builder.build();
-    ASSERT_EQ(load(image, 0x100), "");
-    EXPECT_TRUE(symbol("foo(int)"));
-    const std::string out = folder.file("out.elf");
-    file.save(FilePath(out.c_str()));
-    EXPECT_EQ(TemporaryFolder::read(out), image);
-    ElfFile().save(FilePath(out.c_str()));
-    EXPECT_EQ(TemporaryFolder::read(out), Bytes());
 }
 
 TEST(ElfFileMessages, NameTheCleanedPath) {
@@ -315,14 +263,18 @@ TEST(ElfFileMessages, NameTheCleanedPath) {
     EXPECT_EQ(messageOf([&] { file.save(FilePath(folder.path().c_str())); }), "cannot open " + folder.path());
     EXPECT_EQ(messageOf([&] { file.save(FilePath("")); }), "cannot open ");
     file.save(FilePath(untidy.c_str()));
+    EXPECT_EQ(TemporaryFolder::read(clean), Bytes()); // nothing loaded, nothing in the file
     EXPECT_EQ(folder.names(), (std::vector<std::string>{"missing\xE9.elf"}));
 }
 
 TEST(ElfSection, DumpsItsHeader) {
     TemporaryFolder folder;
     ElfBuilder builder(true);
-    builder.sections = {{".text", SHT_PROGBITS, countingBytes(8), 0}};
-    ElfFile file(FilePath(folder.write("a.elf", builder.build()).c_str()), 0x8000);
+    builder.sections = {{".text", SHT_PROGBITS, countingBytes(8)}};
+    const Bytes image = builder.build();
+    ElfFile file(FilePath(folder.write("a.elf", image).c_str()), 0x8000);
+    file.save(FilePath(folder.file("b.elf").c_str()));
+    EXPECT_EQ(TemporaryFolder::read(folder.file("b.elf")), image); // the offset isn't saved
     testing::internal::CaptureStdout();
     file.findSection(".text")->dump();
     const std::string text = testing::internal::GetCapturedStdout();
