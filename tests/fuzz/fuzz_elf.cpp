@@ -26,13 +26,12 @@ std::uint64_t endOf(const ElfProgram& program, AddressSpace space) {
     return std::uint64_t{program.base(space)} + program.data.size();
 }
 
-void checkSections(const ElfFile& file, Choices& choices) {
+void checkNames(ElfFile& file, Choices& choices) {
     for (const ElfSection& section : file.sections()) {
         const std::string_view name = file.sectionName(section);
-        if (!name.empty()) {
-            const ElfSection* found = file.findSection(name);
-            expect(found != nullptr && file.sectionName(*found) == name, "a section is found by its name");
-        }
+        const ElfSection* found = file.findSection(name);
+        expect(name.empty() || (found != nullptr && file.sectionName(*found) == name),
+               "a section is found by name");
         if (section.header.sh_type == SHT_STRTAB) {
             const std::uint32_t offset = choices.byte();
             const QString text = ElfFile::stringAt(section, offset);
@@ -40,20 +39,12 @@ void checkSections(const ElfFile& file, Choices& choices) {
                    "a string lies in its section");
         }
     }
-}
-
-void checkSymbols(ElfFile& file) {
     const std::vector<ElfSymbol> symbols = file.symbolsByValue();
-    expect(std::is_sorted(symbols.begin(), symbols.end(),
-                          [](const ElfSymbol& a, const ElfSymbol& b) { return a.value < b.value; }),
-           "symbols come by value");
-    const std::size_t step = symbols.size() / mostNames + 1;
-    for (std::size_t i = 0; i < symbols.size(); i += step) {
+    expect(std::ranges::is_sorted(symbols, {}, &ElfSymbol::value), "symbols come by value");
+    for (std::size_t i = 0; i < symbols.size(); i += symbols.size() / mostNames + 1) {
         const ElfSymbol* found = file.findSymbol(symbols[i].name.toLatin1().constData());
         expect(found != nullptr && found->name == symbols[i].name, "a symbol is found by its name");
     }
-    file.findSymbol("main");
-    file.findSymbol("board::Led::set(bool)");
 }
 
 std::uint32_t chooseAddress(const ElfFile& file, Choices& choices, AddressSpace space) {
@@ -90,30 +81,29 @@ void checkRange(const ElfFile& file, std::uint32_t address, std::size_t length, 
 }
 
 void checkPoke(ElfFile& file, std::uint32_t address, AddressSpace space, std::uint32_t value) {
-    const Bytes before(file.image().begin(), file.image().end());
+    Bytes expected(file.image().begin(), file.image().end());
     const auto bytes = file.bytesAt(address, 4, space);
     const auto holder = std::ranges::find_if(file.programs(), [&](const ElfProgram& program) {
         return address >= program.base(space) && std::uint64_t{address} + 4 <= endOf(program, space);
     });
-    const bool fits = std::uint64_t{address} + 4 <= std::uint64_t{1} << 32;
-    expect(bytes.has_value() == (fits && holder != file.programs().end()), "a word is there or it isn't");
+    const bool isHeld =
+        std::uint64_t{address} + 4 <= std::uint64_t{1} << 32 && holder != file.programs().end();
+    expect(bytes.has_value() == isHeld, "a word is there or it isn't");
     if (!bytes) {
         return;
     }
     expect(bytes->data() == holder->data.data() + (address - holder->base(space)),
            "a word is that of the first program header");
     writeWord(*bytes, value, file.byteOrder());
-    expect(readWord(*file.bytesAt(address, 4, space), file.byteOrder()) == value, "a poked word reads back");
-    const auto start = bytes->data() - file.image().data();
-    expect(std::equal(before.begin(), before.begin() + start, file.image().begin()) &&
-               std::equal(before.begin() + start + 4, before.end(), file.image().begin() + start + 4),
-           "a poke changes its own bytes alone");
+    expect(readWord(*bytes, file.byteOrder()) == value, "a poked word reads back");
+    writeWord(std::span(expected).subspan(static_cast<std::size_t>(bytes->data() - file.image().data())),
+              value, file.byteOrder());
+    expect(std::ranges::equal(expected, file.image()), "a poke changes its own bytes alone");
 }
 
 void exercise(ElfFile& file, std::span<const std::uint8_t> input) {
     Choices choices(input.last(std::min(input.size(), choiceBytes)));
-    checkSections(file, choices);
-    checkSymbols(file);
+    checkNames(file, choices);
     expect(std::ranges::equal(file.image(), input), "a loaded image is the file as it came");
     for (int i = 0; i < 4; ++i) {
         const AddressSpace space = choices.oneIn(2) ? AddressSpace::Physical : AddressSpace::Virtual;
