@@ -10,16 +10,16 @@ Behind a line of a script, as comments at its end, stand the reports that the li
 A line that begins with //--- opens a further script of the same file; behind "//--- each line" every line is one.
 {{n}} stands for the byte n.
 """
-import difflib
 import json
 import pprint
 import random
 import re
-import resource
 import subprocess
 import sys
 import tempfile
 from pathlib import Path
+
+from support import differences, finish
 
 TESTS = Path(__file__).resolve().parent
 REPORT = re.compile(r" // (?=(?:error|warning|note): )")
@@ -28,19 +28,15 @@ LINE = re.compile(r"(.*?):(\d+): (error|warning|note): (.*) \[([a-z-]+)\]$")
 
 class Runner:
     def __init__(self, checker, folder):
-        self.checker, self.folder, self.faults = checker, folder, 0
+        self.checker, self.folder, self.faults = checker, folder, []
 
-    def run(self, *words, text="", stack=None):
-        limit = (lambda: resource.setrlimit(resource.RLIMIT_STACK, (stack, stack))) if stack else None
-        run = subprocess.run([self.checker, *words], cwd=self.folder, input=text.encode("latin-1"),
-                             capture_output=True, timeout=120, preexec_fn=limit)
+    def run(self, *words, text="", limits=()):
+        run = subprocess.run([*limits, self.checker, *words], cwd=self.folder, input=text.encode("latin-1"),
+                             capture_output=True, timeout=120)
         return run.returncode, run.stdout.decode("latin-1"), run.stderr.decode("latin-1")
 
     def hold(self, what, actual, expected):
-        if actual != expected:
-            self.faults += 1
-            lines = [pprint.pformat(value, width=200).split("\n") for value in (expected, actual)]
-            print("FAILED %s" % what, *difflib.unified_diff(*lines, "expected", "actual", n=0, lineterm=""), sep="\n  ")
+        self.faults += differences(what, *(pprint.pformat(value, width=200) for value in (expected, actual)))
 
 
 def scripts_of(path):
@@ -149,7 +145,7 @@ def check_any_text(runner):
     for number, text in enumerate(texts):
         names.append("any-%d.js" % number)
         (runner.folder / names[-1]).write_text(text, encoding="latin-1")
-    status, _, err = runner.run("--listing", *names, stack=1 << 20)
+    status, _, err = runner.run("--listing", *names, limits=["prlimit", "--stack=%d" % (1 << 20)])
     runner.hold("status of any text", status, 1)
     reports = re.findall(r"^any-(\d+)\.js:(\d+): (?:error|warning|note): .* \[[a-z-]+\]$", err, re.MULTILINE)
     runner.hold("lines that are reports", len(reports), len(err.split("\n")) - 1)
@@ -170,7 +166,7 @@ def main():
         check_command_line(runner)
         check_names(runner, quorvane)
         check_any_text(runner)
-    sys.exit(1 if runner.faults else 0)
+    finish(runner.faults, "all reports are as told")
 
 
 if __name__ == "__main__":

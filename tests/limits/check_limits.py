@@ -5,16 +5,16 @@ usage: check_limits.py PROGRAM...
 
 Each program runs all of the generated scripts. A run that goes too far ends with its message and status 1.
 """
-import re
-import resource
-import subprocess
 import sys
 import tempfile
 from pathlib import Path
 
+sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
+from support import finish, run
+
 INTERNAL = "Internal error detected\n"
-SMALL_STACK = 1 << 20
-TINY_STACK = 1 << 18
+SMALL_STACK = 1 << 10  # KiB
+TINY_STACK = 1 << 8
 
 
 def error(text):
@@ -90,88 +90,74 @@ NESTED = ["(", "[", "{", "f(", "a[", "({a:", "!", "new ", "a=", "0?", "1+(", "if
 
 class Checker:
     def __init__(self, program, folder):
-        self.program, self.folder, self.faults, self.runs = program, folder, 0, 0
+        self.program, self.folder, self.faults, self.runs = program, folder, [], 0
 
-    def run(self, words, stack=8 << 20):
+    def expect(self, what, words, expected, stack=8 << 10):
         self.runs += 1
-        result = subprocess.run([self.program] + words, cwd=self.folder, stdin=subprocess.DEVNULL,
-                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=60, check=False,
-                                preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_STACK, (stack, stack)))
-        return result.returncode, result.stdout.decode("latin-1"), result.stderr.decode("latin-1")
+        done = run(["prlimit", "--stack=%d" % (stack << 10), self.program, *words], self.folder, 60)
+        if done[:3] != expected:
+            self.faults.append("%s: %s: %.300r; expected is %r" % (self.program.name, what, done[:3], expected))
+        return done
 
-    def run_script(self, text, stack=8 << 20):
+    def expect_script(self, what, text, *expected, stack=8 << 10):
         (self.folder / "endless.js").write_text(text, "latin-1")
-        return self.run(["-load", "endless.js"], stack)
-
-    def expect(self, what, outcome, status, out, err):
-        if outcome != (status, out, err):
-            self.faults += 1
-            print("%s: %s: status %d, prints %.200r and %.200r; expected are %d, %r and %r"
-                  % ((self.program.name, what) + outcome + (status, out, err)))
+        return self.expect(what, ["-load", "endless.js"], expected, stack)
 
     def edges(self):
         for what, make, largest, message in EDGES:
-            self.expect("%d %s" % (largest, what), self.run_script(make(largest)), 0, str(largest), "")
-            self.expect("%d %s" % (largest + 1, what), self.run_script(make(largest + 1)), 1, "", message)
+            self.expect_script("%d %s" % (largest, what), make(largest), 0, str(largest), "")
+            self.expect_script("%d %s" % (largest + 1, what), make(largest + 1), 1, "", message)
         for what, make in MOVING_EDGES:
             low, high = 65000, 65600
             while high - low > 1:
                 middle = (low + high) // 2
-                outcome = self.run_script(make(middle))
-                runs = outcome[0] == 0
-                self.expect("%d %s" % (middle, what), outcome, *((0, str(middle), "") if runs else (1, "", INTERNAL)))
+                (self.folder / "endless.js").write_text(make(middle))
+                runs = run([self.program, "-load", "endless.js"], self.folder)[:3] == (0, str(middle), "")
                 low, high = (middle, high) if runs else (low, middle)
-            if low == 65000 or high == 65600:
-                self.faults += 1
-                print("%s: no limit on %s between 65000 and 65600" % (self.program.name, what))
+            self.expect_script("no limit on " + what, make(high), 1, "", INTERNAL)
+            self.expect_script("a limit on %s below 65000" % what, make(65000), 0, "65000", "")
 
     def endless(self):
         for what, text in ENDLESS.items():
-            self.expect("endless recursion of " + what, self.run_script(text, SMALL_STACK), 1, "", INTERNAL)
+            self.expect_script("endless recursion of " + what, text, 1, "", INTERNAL, stack=SMALL_STACK)
         for text in NESTED:
-            self.expect("%s without end" % text, self.run_script(text * 300000), 1, "", error("nesting too deep"))
+            self.expect_script("%s without end" % text, text * 300000, 1, "", error("nesting too deep"))
         # eval drops the error, and the script goes on.
         evals = "".join("eval('%s');" % (text * 5000) for text in NESTED)
-        self.expect("all of them in eval", self.run_script(evals + "WScript.Echo(1);"), 0, "1", "")
+        self.expect_script("all of them in eval", evals + "WScript.Echo(1);", 0, "1", "")
         # With too little native stack for what the text may nest, the run ends; eval must not hide that.
         for text in NESTED[:6]:
-            self.expect("%s with a small stack" % text,
-                        self.run_script("eval('%s');" % (text * 900), TINY_STACK), 1, "", INTERNAL)
+            self.expect_script("%s with a small stack" % text, "eval('%s');" % (text * 900), 1, "", INTERNAL,
+                               stack=TINY_STACK)
 
     def words(self):
-        (self.folder / "self").write_text("@self\n")
-        self.expect("a file that names itself", self.run(["@self"]), 1, "",
-                    "%s: error: too many indirect files\n" % self.program)
-        for depth, ends in ((100, True), (101, False)):
-            for i in range(1, depth):
-                (self.folder / ("%d" % i)).write_text("@%d\n" % (i + 1))
+        too_many = "%s: error: too many %%s\n" % self.program
+        for i in range(1, 101):
+            (self.folder / str(i)).write_text("@%d\n" % (i + 1))
+        for depth, expected in ((100, (0, "100", "")), (101, (1, "", too_many % "indirect files"))):
             (self.folder / str(depth)).write_text("WScript.Echo(%d)\n" % depth)
-            self.expect("%d indirect files" % depth, self.run(["@1"]),
-                        *((0, str(depth), "") if ends
-                          else (1, "", "%s: error: too many indirect files\n" % self.program)))
-        for count, ends in ((256, True), (257, False)):
+            (self.folder / str(depth - 1)).write_text("@%d\n" % depth)
+            self.expect("%d indirect files" % depth, ["@1"], expected)
+        for count, expected in ((256, (0, "1", "")), (257, (1, "", too_many % "words in indirect file words(1)"))):
             (self.folder / "words").write_text("; " * (count - 1) + "WScript.Echo(1)\n")
-            self.expect("%d words of a line" % count, self.run(["@words"]),
-                        *((0, "1", "") if ends
-                          else (1, "", "%s: error: too many words in indirect file words(1)\n" % self.program)))
+            self.expect("%d words of a line" % count, ["@words"], expected)
         # A line of 1023 characters is one; what is beyond them is a word of its own.
-        for length, ends in ((1023, True), (1024, False)):
+        for length, expected in ((1023, (0, "1", "")), (1024, (1, "", error("newline in string constant")))):
             (self.folder / "line").write_text("WScript.Echo(1);'%s'\n" % ("x" * (length - 18)))
-            self.expect("a line of %d characters" % length, self.run(["@line"]),
-                        *((0, "1", "") if ends else (1, "", error("newline in string constant"))))
+            self.expect("a line of %d characters" % length, ["@line"], expected)
 
 
 def main():
-    checkers = []
+    faults, runs = [], 0
     for program in sys.argv[1:]:
         with tempfile.TemporaryDirectory(prefix="quorvane-") as folder:
             checker = Checker(Path(program).resolve(), Path(folder))
             checker.edges()
             checker.endless()
             checker.words()
-            checkers.append(checker)
-            print("%s: %d runs, %d faults" % (checker.program.name, checker.runs, checker.faults))
-    sys.exit(1 if not checkers or any(checker.faults for checker in checkers) else 0)
+            faults += checker.faults
+            runs += checker.runs
+    finish(faults if runs else ["no program"], "%d runs" % runs)
 
 
 if __name__ == "__main__":
