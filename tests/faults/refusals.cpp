@@ -1,4 +1,10 @@
-#include "faults/refusals.h"
+// usage: quorvane_refusals COUNT KIND WAY FIRST ARGUMENT...
+//
+// The program with ARGUMENT..., while requests to the system are refused: those of a KIND, in a WAY, with
+// FIRST the number of the request from 1, or 0 for none. A run that ends writes the number of its requests
+// into the file COUNT. The definitions here stand in for those of the C and C++ libraries in the whole
+// process, so what Qt and libstdc++ ask for is counted as well. Removing a file is never refused.
+#include "host/run.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -30,16 +36,26 @@ void* REAL(memalign)(std::size_t alignment, std::size_t size);
 
 namespace {
 
-bool refused(Refusals::Kind kind) {
-    if (kind != refusals.kind || ++refusals.requests < refusals.first || refusals.first == 0 ||
-        (refusals.way != Refusals::FromThenOn && refusals.requests > refusals.first)) {
+enum Kind { Nothing, Memory, Files };
+enum Way { Once, FromThenOn, Kill }; // the last refuses nothing, but the process is killed; a child goes on
+
+int refusedKind = Nothing;
+int refusedWay = Once;
+long first = 0;
+long requests = 0;
+pid_t process = 0;
+const char* countPath = "";
+
+bool refused(Kind kind) {
+    if (kind != refusedKind || ++requests < first || first == 0 ||
+        (refusedWay != FromThenOn && requests > first)) {
         return false;
     }
-    if (refusals.way == Refusals::Kill) {
-        kill(refusals.process, SIGKILL);
+    if (refusedWay == Kill) {
+        kill(process, SIGKILL);
         return false;
     }
-    errno = kind == Refusals::Memory ? ENOMEM : EIO;
+    errno = kind == Memory ? ENOMEM : EIO;
     return true;
 }
 
@@ -47,22 +63,22 @@ bool refused(Refusals::Kind kind) {
 
 extern "C" {
 
-void* malloc(std::size_t size) noexcept { return refused(Refusals::Memory) ? nullptr : REAL(malloc)(size); }
+void* malloc(std::size_t size) noexcept { return refused(Memory) ? nullptr : REAL(malloc)(size); }
 
 void* calloc(std::size_t count, std::size_t size) noexcept {
-    return refused(Refusals::Memory) ? nullptr : REAL(calloc)(count, size);
+    return refused(Memory) ? nullptr : REAL(calloc)(count, size);
 }
 
 void* realloc(void* block, std::size_t size) noexcept {
-    return size != 0 && refused(Refusals::Memory) ? nullptr : REAL(realloc)(block, size);
+    return size != 0 && refused(Memory) ? nullptr : REAL(realloc)(block, size);
 }
 
 void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
-    return refused(Refusals::Memory) ? nullptr : REAL(memalign)(alignment, size);
+    return refused(Memory) ? nullptr : REAL(memalign)(alignment, size);
 }
 
 void* mmap(void* address, std::size_t size, int protection, int flags, int fd, off_t offset) noexcept {
-    if (refused(Refusals::Memory)) {
+    if (refused(Memory)) {
         return MAP_FAILED;
     }
     return reinterpret_cast<void*>(syscall(SYS_mmap, address, size, protection, flags, fd, offset));
@@ -73,18 +89,16 @@ int open(const char* path, int flags, ...) {
     va_start(rest, flags);
     const mode_t mode = va_arg(rest, mode_t);
     va_end(rest);
-    return refused(Refusals::Files) ? -1 : static_cast<int>(syscall(SYS_openat, AT_FDCWD, path, flags, mode));
+    return refused(Files) ? -1 : static_cast<int>(syscall(SYS_openat, AT_FDCWD, path, flags, mode));
 }
 
 int close(int fd) { // which it is in any case
-    const bool fails = refused(Refusals::Files);
+    const bool fails = refused(Files);
     return static_cast<int>(syscall(SYS_close, fd)) != 0 || fails ? -1 : 0;
 }
 
 #define ON_FILES(type, name, parameters, ...)                                                                \
-    type name parameters {                                                                                   \
-        return refused(Refusals::Files) ? -1 : static_cast<type>(syscall(SYS_##__VA_ARGS__));                \
-    }
+    type name parameters { return refused(Files) ? -1 : static_cast<type>(syscall(SYS_##__VA_ARGS__)); }
 
 ON_FILES(ssize_t, read, (int fd, void* to, std::size_t size), read, fd, to, size)
 ON_FILES(ssize_t, write, (int fd, const void* from, std::size_t size), write, fd, from, size)
@@ -120,3 +134,23 @@ void* operator new(std::size_t size) {
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return std::malloc(size); }
 void operator delete(void* block) noexcept { std::free(block); }
 void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+
+int main(int argc, char** argv) {
+    if (argc < 5) {
+        return EXIT_FAILURE;
+    }
+    countPath = argv[1];
+    std::atexit([] {
+        refusedKind = Nothing;
+        if (FILE* const file = std::fopen(countPath, "w")) {
+            std::fprintf(file, "%ld", requests);
+            std::fclose(file);
+        }
+    });
+    refusedKind = std::atoi(argv[2]);
+    refusedWay = std::atoi(argv[3]);
+    first = std::atol(argv[4]);
+    process = getpid();
+    argv[4] = argv[0];
+    return runQuorvane(argc - 4, argv + 4);
+}
