@@ -122,6 +122,7 @@ void appendDefined(ESContext& ctx, ESObject* result, ESObject* item) {
         if (target.count() > maxArrayIndex) {
             lengthTooLarge(ctx);
         }
+        noteIndexName(target.count());
         target.append(v);
     };
     const std::uint32_t length = lengthOf(ctx, item);
@@ -133,6 +134,7 @@ void appendDefined(ESContext& ctx, ESObject* result, ESObject* item) {
                 append(v);
             }
         }
+        noteNames(end, length);
         return;
     }
     ESIndexWalk walk(item, 0, length);
@@ -151,9 +153,9 @@ ESObject* concat(ESContext& ctx, ESObject* self, std::int32_t argc, const ESValu
         if (item.isObject() && ctx.isArrayObject(item.object)) {
             appendDefined(ctx, result, item.object);
         } else {
+            noteIndexName(result->elements.count());
             result->elements.append(item);
         }
-        noteIndexNames(result->elements.count());
     }
     storeLength(ctx, result, result->elements.count());
     return result;
@@ -219,6 +221,10 @@ void reverse(ESContext& ctx, ESObject* self) {
         return;
     }
     std::vector<std::uint32_t> lowers;
+    for (std::uint32_t lower = 0; lower < std::min(length / 2, mostNamesNoted); ++lower) {
+        noteIndexName(lower);
+        noteIndexName(length - 1 - lower);
+    }
     for (const std::uint32_t index : presentIndexes(self, 0, length)) {
         const std::uint32_t lower = std::min(index, length - 1 - index);
         if (lower < length / 2) {
@@ -277,12 +283,12 @@ ESObject* slice(ESContext& ctx, ESObject* self, const ESValue& startArgument, co
     if (isPlainVector(self)) {
         const ESElements& source = self->elements;
         const std::uint32_t stop = std::min(end, source.count());
+        noteNames(start, end);
         if (start < stop) {
             ESElements& target = result->elements;
             target.resize(stop - start);
             std::copy(source.data() + start, source.data() + stop, target.data());
             trimHoles(target);
-            noteIndexNames(target.count());
             storeLength(ctx, result, target.count());
         }
         return result;

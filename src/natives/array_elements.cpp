@@ -13,20 +13,6 @@ constexpr std::uint32_t countedFreely = 4;
 constexpr std::uint32_t countedFreely = 4096; // a range up to this long is walked index by index
 #endif
 
-// Names beyond this many in one stretch aren't noted: nobody would wait for that many look-ups.
-constexpr std::uint32_t mostNamesNoted = 1u << 16;
-
-// All indexes of the range count as named from now on, in ascending order.
-void noteNames(std::uint32_t from, std::uint32_t to) {
-    if (from < 100) { // the names up to there always are
-        noteIndexNames(std::min(to, mostNamesNoted));
-        return;
-    }
-    for (std::uint32_t i = from; i < to && i - from < mostNamesNoted; ++i) {
-        noteIndexName(i);
-    }
-}
-
 // The number that a name stands for, also beyond the indexes of arrays, or notAnIndex.
 std::uint32_t indexOfName(ESAtom atom) {
     if (atom->arrayIndex != notAnIndex) {
@@ -66,6 +52,17 @@ void visitNamedIndexes(const ESObject* obj, std::uint32_t from, std::uint32_t to
 }
 
 } // namespace
+
+void noteNames(std::uint32_t from, std::uint32_t to) {
+    const std::uint32_t end = from + std::min(to - from, mostNamesNoted);
+    if (from <= indexNameWatermark) {
+        noteIndexNames(end);
+        return;
+    }
+    for (std::uint32_t i = from; i < end; ++i) {
+        noteIndexName(i);
+    }
+}
 
 std::uint32_t lengthOf(ESContext& ctx, ESObject* obj) {
     if (obj->nativeClass == ctx.arrays) {
@@ -119,7 +116,6 @@ bool isSparse(const ESObject* obj, std::uint32_t from, std::uint32_t to) {
 }
 
 std::vector<std::uint32_t> presentIndexes(const ESObject* obj, std::uint32_t from, std::uint32_t to) {
-    noteNames(from, to);
     std::vector<std::uint32_t> present;
     for (const ESObject* o = obj; o != nullptr; o = o->prototype) {
         for (std::uint32_t i = from; i < std::min(to, o->elements.count()); ++i) {
@@ -192,12 +188,13 @@ void ESIndexWalk::refresh() {
 
 bool ESIndexWalk::next(std::uint32_t& index) {
     if (listed_) {
-        if (position_ == list_.size()) {
-            return false;
-        }
-        index = list_[position_++];
+        const bool ends = position_ == list_.size();
+        index = ends ? end_ - 1 : list_[position_++];
+        const std::uint32_t noted = std::min(index - next_ + 1, toNote_);
+        noteNames(next_, next_ + noted);
+        toNote_ -= noted;
         next_ = index + 1;
-        return true;
+        return !ends;
     }
     index = next_;
     return next_ < end_ && ++next_ != 0;

@@ -68,15 +68,19 @@ inline ESValue hole() {
 
 // True when so few of the indexes from `from` up to `to` can be present that a list of them beats counting.
 bool isSparse(const ESObject* obj, std::uint32_t from, std::uint32_t to);
-// The present indexes of the range on the object and its prototypes, ascending, each once. They count as
-// having been named, as if each index of the range had been looked up.
+// Names beyond this many in one stretch aren't noted: nobody would wait for that many look-ups.
+constexpr std::uint32_t mostNamesNoted = 1u << 16;
+// All indexes of the range count as named from now on, in ascending order. to isn't below from.
+void noteNames(std::uint32_t from, std::uint32_t to);
+// The present indexes of the range on the object and its prototypes, ascending, each once.
 std::vector<std::uint32_t> presentIndexes(const ESObject* obj, std::uint32_t from, std::uint32_t to);
 // The last present index that isn't above `limit`, or -1.
 std::int64_t lastPresentIndex(const ESObject* obj, std::int64_t limit);
 // Deletes the elements from `from` up to `to`, in ascending order.
 void deleteRange(ESContext& ctx, ESObject* obj, std::uint32_t from, std::uint32_t to);
 
-// Visits a range in ascending order, leaving out only indexes at which a read finds nothing.
+// Visits a range in ascending order, leaving out only indexes at which a read finds nothing. These count as
+// named nevertheless.
 class ESIndexWalk {
 public:
     // The object must outlive the walk.
@@ -91,6 +95,7 @@ private:
     std::uint32_t next_;
     std::uint32_t end_;
     bool listed_;
+    std::uint32_t toNote_ = mostNamesNoted;
     std::vector<std::uint32_t> list_;
     std::size_t position_ = 0;
 };
@@ -107,6 +112,7 @@ public:
     void addValue(const ESValue& value);
     void addRepeated(QStringView characters, std::uint32_t times);
     ESValue finish() { return ctx_.newString(QStringView(text_)); }
+    ESValue finishUnseen() const { return textValue(ESText::make(textArena(), QStringView(text_))); }
 
 private:
     void makeRoom(std::uint64_t characters);

@@ -182,6 +182,16 @@ void TextStore::writeBack(ESContext& ctx, ESObject* obj) const {
     }
 }
 
+// Names the indexes as the first pass of the sort meets them; later passes meet no others.
+void noteFirstPass(std::uint32_t count) {
+    const std::uint32_t gap = static_cast<std::uint32_t>((std::uint64_t{count} + 3) / 5);
+    const std::uint32_t last = count - std::min(count - gap, mostNamesNoted);
+    for (std::uint32_t i = count; count > indexNameWatermark && i-- > last;) {
+        noteIndexName(i - gap);
+        noteIndexName(i);
+    }
+}
+
 bool sortTexts(ESContext& ctx, ESObject* obj, std::uint32_t count) {
     const ESClass* cls = obj->nativeClass;
     const bool storesOnly = cls->ordinaryGet && (cls->ordinaryPut || ctx.isArrayObject(obj));
@@ -207,6 +217,9 @@ void sortElements(ESContext& ctx, ESObject* obj, const ESValue& comparator) {
         ctx.raiseBaseError("Array.prototype.sort argument is not a function");
     }
     // 3. The elements.
+    if (comparator.isUndefined() || isSparse(obj, 0, count)) {
+        noteFirstPass(count);
+    }
     if (comparator.isUndefined() && sortTexts(ctx, obj, count)) {
         return;
     }
