@@ -329,6 +329,7 @@ bool nextName(ESContext& ctx, const ESValue& enumerator, ESValue& name) {
     const double index = ctx.toDouble(ctx.get(object, wellKnownAtoms.index));
     const double length = ctx.toDouble(ctx.get(object, wellKnownAtoms.length));
     if (!(index < length)) {
+        object->elements.release(); // the variable that holds the enumerator lasts
         return false;
     }
     ctx.put(object, wellKnownAtoms.index, numberValue(index + 1));
