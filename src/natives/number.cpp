@@ -78,7 +78,7 @@ ESValue ESNativeNumber::toString(ESContext& ctx, const ESObject* thisObject, con
     }
     const std::int32_t base = ctx.toInt32(radix);
     if (base == 0 || base == 10) {
-        return ctx.toStringValue(thisObject->value);
+        return ctx.newStringOf(thisObject->value);
     }
     if (base < 2 || base > 36) {
         ctx.raiseRangeError("radix should be 2 through 36");

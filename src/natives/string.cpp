@@ -1,5 +1,6 @@
 #include "natives/string.h"
 
+#include "natives/array_elements.h"
 #include "runtime/context.h"
 
 #include <QCollator>
@@ -138,7 +139,7 @@ ESValue convertCase(ESContext& ctx, const ESValue& text, Convert convert) {
     auto* converted = textArena().allocateArray<char16_t>(static_cast<std::size_t>(characters.size()));
     std::transform(characters.begin(), characters.end(), converted,
                    [&](QChar c) { return convert(c).unicode(); });
-    return textValue(ESText::makeView(textArena(), converted, ESContext::textOf(text).length()));
+    return ESContext::noted(ESText::makeView(textArena(), converted, ESContext::textOf(text).length()));
 }
 
 QChar lower(QChar c) {
@@ -158,11 +159,15 @@ ESValue fromCharCodes(ESContext& ctx, std::int32_t argc, const ESValue* argv) {
 }
 
 ESValue concat(ESContext& ctx, const ESValue& text, std::int32_t argc, const ESValue* argv) {
-    ESValue result = text;
-    for (std::int32_t i = 0; i < argc; ++i) {
-        result = ctx.concatenate(result, ctx.toStringValue(argv[i]));
+    if (argc == 1 && argv[0].isString()) {
+        return ctx.concatenate(text, argv[0]);
     }
-    return result;
+    // No script gets what lies between.
+    ESTextBuilder rest(ctx);
+    for (std::int32_t i = 0; i < argc; ++i) {
+        rest.addValue(argv[i]);
+    }
+    return ESContext::textOf(text).length() == 0 ? rest.finish() : ctx.concatenate(text, rest.finishUnseen());
 }
 
 // What a member of String.prototype makes of the text of `this`. The arguments are converted here, in order.
@@ -269,7 +274,7 @@ void ESNativeString::call(ESContext& ctx, ESObject* fn, ESObject* thisObject, st
     const std::int32_t member = fn->memberIndex;
     switch (member) {
     case Constructor:
-        argv[0] = ctx.toStringValue(argv[0]);
+        argv[0] = ctx.newStringOf(argv[0]);
         return;
     case FromCharCode:
         argv[0] = fromCharCodes(ctx, argc, argv);
@@ -322,5 +327,5 @@ ESObject* ESNativeString::construct(ESContext& ctx, ESObject* fn, std::int32_t a
     if (fn->memberIndex != Constructor) {
         badConstruct(ctx);
     }
-    return ctx.objectOf(ctx.toStringValue(ESContext::getArgument(argc, argv, 0)));
+    return ctx.objectOf(ctx.newStringOf(ESContext::getArgument(argc, argv, 0)));
 }

@@ -1,6 +1,8 @@
 #include "runtime/atom.h"
 
 #include "runtime/arena.h"
+#include "runtime/text_hash.h"
+#include "runtime/text_log.h"
 
 #include <QLatin1String>
 #include <algorithm>
@@ -13,24 +15,8 @@ WellKnownAtoms wellKnownAtoms;
 
 namespace {
 
-std::uint32_t hashOf(QStringView text) {
-    constexpr std::uint64_t factor = 0x9E3779B97F4A7C15u;
-    const char16_t* at = text.utf16();
-    auto rest = static_cast<std::size_t>(text.size());
-    std::uint64_t hash = factor ^ rest;
-    for (; rest >= 4; rest -= 4, at += 4) {
-        std::uint64_t four;
-        std::memcpy(&four, at, sizeof four);
-        hash = (hash ^ four) * factor;
-        hash ^= hash >> 32;
-    }
-    for (; rest != 0; --rest, ++at) {
-        hash = (hash ^ *at) * factor;
-        hash ^= hash >> 32;
-    }
-    hash *= 0xBF58476D1CE4E5B9u;
-    return static_cast<std::uint32_t>(hash >> 32);
-}
+// The half that tables take their places from.
+std::uint32_t placeOf(QStringView text) { return static_cast<std::uint32_t>(hashOf(text) >> 32); }
 
 // The number whose canonical decimal text this is, if it can index an array.
 std::uint32_t parseArrayIndex(QStringView text) {
@@ -112,21 +98,22 @@ ESAtomTable::ESAtomTable() : slots_(1024) {
 std::size_t ESAtomTable::slotOf(QStringView text, std::uint32_t hash) const {
     const std::size_t mask = slots_.size() - 1;
     std::size_t slot = hash & mask;
-    while (const ESAtom atom = slots_[slot]) {
+    for (std::size_t step = 1; const ESAtom atom = slots_[slot]; ++step) {
         if (atom->hash == hash && atom->text.length() == static_cast<std::size_t>(text.size()) &&
             std::memcmp(atom->text.characters(), text.utf16(), static_cast<std::size_t>(text.size()) * 2) ==
                 0) {
             break;
         }
-        slot = (slot + 1) & mask;
+        slot =
+            (slot + step) & mask; // ever further, so that no cluster grows; meets each slot of a power of two
     }
     return slot;
 }
 
-ESAtom ESAtomTable::find(QStringView text) const { return slots_[slotOf(text, hashOf(text))]; }
+ESAtom ESAtomTable::find(QStringView text) const { return slots_[slotOf(text, placeOf(text))]; }
 
 ESAtom ESAtomTable::intern(QStringView text, std::uint32_t order, bool lasting) {
-    const std::uint32_t hash = hashOf(text);
+    const std::uint32_t hash = placeOf(text);
     std::size_t slot = slotOf(text, hash);
     if (slots_[slot] != nullptr) {
         return slots_[slot];
@@ -148,7 +135,9 @@ ESAtom ESAtomTable::intern(QStringView text, std::uint32_t order, bool lasting) 
     entry->arrayIndex = parseArrayIndex(text);
     // A name that was used as an element counts from then on.
     const bool counted = entry->arrayIndex >= 100 && entry->arrayIndex < indexNameWatermark;
-    entry->order = counted ? orderInRuns(entry->arrayIndex) : order != 0 ? order : ++lastTextOrder;
+    order = order != 0 ? order : ++lastTextOrder;
+    entry->order = counted ? std::min(order, orderInRuns(entry->arrayIndex)) : order;
+    entry->settled = false;
     entry->text.length_ = static_cast<std::uint32_t>(text.size());
     entry->text.order_ = entry->order;
     entry->text.characters_ = kept;
@@ -166,8 +155,8 @@ void ESAtomTable::grow() {
     for (const ESAtom atom : old) {
         if (atom != nullptr) {
             std::size_t slot = atom->hash & mask;
-            while (slots_[slot] != nullptr) {
-                slot = (slot + 1) & mask;
+            for (std::size_t step = 1; slots_[slot] != nullptr; ++step) {
+                slot = (slot + step) & mask;
             }
             slots_[slot] = atom;
         }
@@ -260,12 +249,11 @@ void noteIndexNames(std::uint32_t count) {
     indexNameWatermark = count;
 }
 
-std::uint32_t indexNameOrder(std::uint32_t index) {
-    std::array<char16_t, 10> buffer;
-    if (const ESAtom atom = atoms().find(decimalText(index, buffer))) {
-        return atom->order;
+void settleOrder(ESAtom atom) {
+    if (!atom->settled) {
+        atom->order = textLog.firstOrder(atom->view(), atom->order);
+        atom->settled = true;
     }
-    return atoms().orderInRuns(index);
 }
 
 void forgetTexts() {
@@ -273,6 +261,7 @@ void forgetTexts() {
     std::destroy_at(&table);
     std::destroy_at(&textArena());
     std::construct_at(&textArena());
+    textLog = ESTextLog();
     lastTextOrder = 0;
     indexNameWatermark = 100;
     std::construct_at(&table);

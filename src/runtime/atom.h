@@ -11,12 +11,13 @@
 constexpr std::uint32_t notAnIndex = 0xFFFFFFFF;
 
 struct ESAtomEntry {
-    mutable std::int32_t index; // position among the compiled atoms, -1 while there is none
-    std::uint32_t order;        // ascending with the time of first interning
+    mutable std::int32_t index;  // position among the compiled atoms, -1 while there is none
+    mutable std::uint32_t order; // ascending with the time of first interning; final once settled
     std::uint32_t hash;
     std::uint32_t
         arrayIndex; // the number whose canonical decimal text this is (0 to 0x7FFFFFFE), or notAnIndex
     ESText text;
+    mutable bool settled;
 
     QStringView view() const { return text.view(); }
     QString toString() const { return text.view().toString(); }
@@ -36,6 +37,9 @@ ESAtom indexAtom(std::uint32_t number);
 // The string of one character.
 ESAtom characterAtom(char16_t character);
 
+// Brings the order up to what is known of all texts made before. Throws std::bad_alloc.
+void settleOrder(ESAtom atom);
+
 // The index by which compiled code refers to an atom, given out on first use, and back.
 std::int32_t compiledIndex(ESAtom atom);
 ESAtom atomAt(std::int32_t index);
@@ -50,7 +54,6 @@ inline void noteIndexName(std::uint32_t index) {
     }
 }
 void noteIndexNames(std::uint32_t count); // 0 to count - 1, in order
-std::uint32_t indexNameOrder(std::uint32_t index);
 
 // Puts the process's texts back as they were at its start: what forgetAllRuns() of the machine needs.
 void forgetTexts();

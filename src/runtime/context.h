@@ -8,6 +8,7 @@
 #include "runtime/failures.h"
 #include "runtime/native_class.h"
 #include "runtime/object.h"
+#include "runtime/text_log.h"
 
 #include <QString>
 #include <cstddef>
@@ -86,8 +87,10 @@ public:
     std::uint32_t toUint32(const ESValue& v) { return static_cast<std::uint32_t>(toInt32(v)); }
     std::uint16_t toUint16(const ESValue& v) { return static_cast<std::uint16_t>(toInt32(v)); }
     QString toString(const ESValue& v, std::int32_t radix = 10);
-    // The same text as a string value, without a QString where that can be avoided. Radix 10.
+    // The same text as a string value, without a QString where that can be avoided. Radix 10. That of a
+    // number isn't noted, as no script has got it yet.
     ESValue toStringValue(const ESValue& v);
+    ESValue newStringOf(const ESValue& v); // noted
     ESAtom toAtom(const ESValue& v);
     void toPrimitive(ESValue& v, ESValueTag hint); // v holds an object; becomes a primitive in place
     void defaultValue(ESObject* object, ESValueTag hint, ESValue& out);
@@ -119,6 +122,11 @@ public:
     }
 
     // --- Strings ------------------------------------------------------------------------------------------
+    // A text that a script gets: its name counts as used from now on, for the order of `for in`.
+    static ESValue noted(const ESText* text) {
+        textLog.note(text);
+        return textValue(text);
+    }
     // String values from characters: copied.
     ESValue newString(QStringView characters);
     ESValue newString(const char* latin1);

@@ -108,7 +108,7 @@ std::string_view numberText(double x, std::int32_t radix, DigitBuffer& buffer) {
         return x > 0 ? "Infinity" : "-Infinity";
     }
     double whole;
-    if (std::modf(x, &whole) == 0) {
+    if (x == ESContext::doubleToInt32(x) || std::modf(x, &whole) == 0) {
         return integralText(x, radix, buffer);
     }
     return fractionText(x, buffer);
@@ -196,10 +196,12 @@ ESValue ESContext::toStringValue(const ESValue& v) {
         const std::string_view text = numberText(v.number, 10, buffer);
         std::array<char16_t, 32> wide;
         if (text.size() > wide.size()) {
-            return newString(QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size())));
+            const QString latin1 = QString::fromLatin1(text.data(), static_cast<qsizetype>(text.size()));
+            return textValue(ESText::make(textArena(), latin1));
         }
         std::copy(text.begin(), text.end(), wide.begin());
-        return newString(QStringView(wide.data(), static_cast<qsizetype>(text.size())));
+        return textValue(
+            ESText::make(textArena(), QStringView(wide.data(), static_cast<qsizetype>(text.size()))));
     }
     case ESTagString:
     case ESTagAtom:
@@ -216,7 +218,13 @@ ESValue ESContext::toStringValue(const ESValue& v) {
 
 ESValue ESContext::concatenateNumber(const ESValue& left, const ESValue& right) {
     const bool numberFirst = left.isNumber();
-    const ESValue text = toStringValue(numberFirst ? right : left);
+    ESValue text = numberFirst ? right : left;
+    if (!text.isString()) {
+        text = toStringValue(text);
+    }
+    if (textOf(text).length() == 0) {
+        return newStringOf(numberFirst ? left : right);
+    }
     DigitBuffer buffer;
     const std::string_view digits = numberText(numberFirst ? left.number : right.number, 10, buffer);
     std::array<char16_t, 32> wide;
@@ -226,14 +234,16 @@ ESValue ESContext::concatenateNumber(const ESValue& left, const ESValue& right) 
     std::copy(digits.begin(), digits.end(), wide.begin());
     const QStringView number(wide.data(), static_cast<qsizetype>(digits.size()));
     const ESText& other = textOf(text);
-    if (other.length() == 0) {
-        return newString(number);
-    }
     if (other.length() + digits.size() > ESText::maxLength) {
         raiseRangeError("length too large");
     }
-    return textValue(numberFirst ? ESText::prepend(textArena(), number, other)
-                                 : ESText::append(textArena(), other, number));
+    return noted(numberFirst ? ESText::prepend(textArena(), number, other)
+                             : ESText::append(textArena(), other, number));
+}
+
+ESValue ESContext::newStringOf(const ESValue& v) {
+    const ESValue text = toStringValue(v);
+    return text.tag == ESTagString ? noted(text.text) : text;
 }
 
 QString ESContext::toString(const ESValue& v, std::int32_t radix) {

@@ -116,6 +116,10 @@ std::vector<ESAtom> ESContext::enumerableNames(ESObject* obj) {
             }
         }
     }
+    if (names.size() < 2) {
+        return names;
+    }
+    std::for_each(names.begin(), names.end(), settleOrder);
     std::sort(names.begin(), names.end(), [](ESAtom a, ESAtom b) { return a->order < b->order; });
     names.erase(std::unique(names.begin(), names.end()), names.end());
     return names;

@@ -11,7 +11,7 @@ ESValue ESContext::newString(QStringView characters) {
     if (characters.size() > static_cast<qsizetype>(ESText::maxLength)) {
         raiseRangeError("length too large");
     }
-    return textValue(ESText::make(textArena(), characters));
+    return noted(ESText::make(textArena(), characters));
 }
 
 ESValue ESContext::newString(const char* latin1) { return newString(QString::fromLatin1(latin1)); }
@@ -20,7 +20,7 @@ ESValue ESContext::characterString(char16_t character) {
     if (character < 256) [[likely]] {
         return atomValue(characterAtom(character));
     }
-    return textValue(ESText::make(textArena(), QStringView(&character, 1)));
+    return noted(ESText::make(textArena(), QStringView(&character, 1)));
 }
 
 ESValue ESContext::substring(const ESValue& string, std::uint32_t from, std::uint32_t length) {
@@ -31,7 +31,7 @@ ESValue ESContext::substring(const ESValue& string, std::uint32_t from, std::uin
     if (length == whole.length()) {
         return string;
     }
-    return textValue(ESText::makePart(textArena(), whole, from, length));
+    return noted(ESText::makePart(textArena(), whole, from, length));
 }
 
 ESValue ESContext::concatenate(const ESValue& left, const ESValue& right) {
@@ -46,7 +46,7 @@ ESValue ESContext::concatenate(const ESValue& left, const ESValue& right) {
     if (a.length() + b.length() > ESText::maxLength) {
         raiseRangeError("length too large");
     }
-    return textValue(ESText::concatenate(textArena(), a, b));
+    return noted(ESText::concatenate(textArena(), a, b));
 }
 
 bool ESContext::sameText(const ESValue& a, const ESValue& b) {

@@ -2,6 +2,7 @@
 
 #include "runtime/arena.h"
 #include "runtime/atom.h"
+#include "runtime/text_log.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -28,11 +29,6 @@ ESTextBuffer* newBuffer(ESArena& arena, std::uint32_t capacity) {
 }
 
 } // namespace
-
-ESArena& textArena() {
-    static ESArena arena;
-    return arena;
-}
 
 ESText* ESText::newText(void* memory, const char16_t* characters, std::uint32_t length) {
     auto* text = static_cast<ESText*>(memory);
@@ -113,6 +109,7 @@ const ESText* ESText::prepend(ESArena& arena, QStringView left, const ESText& ri
 void ESText::release(ESArena& arena, const ESText* text) {
     const auto* own = reinterpret_cast<const char16_t*>(text + 1);
     if (text->characters_ == own) {
+        textLog.forget(text);
         arena.takeBack(const_cast<ESText*>(text),
                        sizeof(ESText) + std::size_t{text->length_} * sizeof(char16_t));
     }
@@ -141,8 +138,15 @@ void ESText::flatten() const {
         buffer->used = length_;
         start = buffer->characters;
     }
+    copyParts(start + length_);
+    characters_ = start;
+    buffer_ = buffer;
+    atom_ = nullptr;
+}
+
+// Writes a concatenation's characters in front of `end`. What lies there already is left.
+void ESText::copyParts(char16_t* end) const {
     std::vector<const ESText*> pending{left_, right_};
-    char16_t* end = start + length_;
     while (!pending.empty()) {
         const ESText* part = pending.back();
         pending.pop_back();
@@ -156,7 +160,11 @@ void ESText::flatten() const {
             copyCharacters(end, part->characters_, part->length_);
         }
     }
-    characters_ = start;
-    buffer_ = buffer;
-    atom_ = nullptr;
+}
+
+QStringView ESText::peek(char16_t* room) const {
+    if (!isFlat()) {
+        copyParts(room + length_);
+    }
+    return QStringView(isFlat() ? characters_ : room, static_cast<qsizetype>(length_));
 }

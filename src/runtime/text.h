@@ -3,12 +3,11 @@
 // a buffer with room goes in place. Atoms (atom.h) hold a text each, so both string tags read alike.
 #pragma once
 
+#include "runtime/arena.h"
 #include "runtime/value.h"
 
 #include <QStringView>
 #include <cstdint>
-
-class ESArena;
 
 // The order in which texts and atoms came into being is counted here.
 inline std::uint32_t lastTextOrder = 0;
@@ -41,6 +40,8 @@ public:
         return characters_;
     }
     QStringView view() const { return QStringView(characters(), static_cast<qsizetype>(length_)); }
+    // The characters without flattening: those of a concatenation are written to `room`, of length().
+    QStringView peek(char16_t* room) const;
 
     // The atom of this text if one has been made from it already, else null.
     ESAtom knownAtom() const { return characters_ == nullptr ? nullptr : atom_; }
@@ -65,6 +66,7 @@ private:
     friend class ESAtomTable;
     ESText() = default;
     void flatten() const;
+    void copyParts(char16_t* end) const;
     static ESText* newText(void* memory, const char16_t* characters, std::uint32_t length);
     static const ESText* makeOf(ESArena& arena, QStringView left, QStringView right);
     const ESText* extended(ESArena& arena, const char16_t* characters, std::uint32_t length) const;
@@ -84,4 +86,7 @@ private:
 static_assert(sizeof(ESText) == 32);
 
 // The arena of a concatenation is needed again when it is flattened; texts of all contexts share this one.
-ESArena& textArena();
+inline ESArena& textArena() {
+    static constinit ESArena arena;
+    return arena;
+}

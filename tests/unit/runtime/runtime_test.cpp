@@ -1,9 +1,11 @@
+#include "machine/code_block.h"
 #include "natives/standard_library.h"
 #include "runtime/arena.h"
 #include "runtime/atom.h"
 #include "runtime/context.h"
 #include "runtime/object.h"
 #include "runtime/text.h"
+#include "runtime/text_hash.h"
 
 #include <gtest/gtest.h>
 #include <map>
@@ -13,7 +15,10 @@ namespace {
 
 class Runtime : public testing::Test {
 protected:
-    Runtime() { ctx.initContext(); }
+    Runtime() {
+        forgetAllRuns(); // an order depends on all that was made before
+        ctx.initContext();
+    }
     ESContext ctx;
     std::mt19937 random{20261122};
     int below(int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); }
@@ -182,6 +187,93 @@ TEST_F(Runtime, EnumerationFollowsTheOrderOfFirstUse) {
                     "o = []; var b = 290; o[b + 9] = 1; o[b + 8] = 1; for (i = 0; i < b + 10; i++) o[i] = i;"
                     "o = {}; for (i = b + 7; i < b + 10; i++) o[i] = 1;"),
               QStringLiteral("299 298 297 "));
+    // A text counts from its making by a script or for one, though it is no name then; an argument's doesn't.
+    for (const auto& [script, expected] : {
+             std::pair(
+                 "a = []; for (i = 0; i < 3; i++) a[i] = 'k' + i; for (i = 2; i >= 0; i--) o['k' + i] = 1;",
+                 "k0 k1 k2 "),
+             {"x = -2.5 + ''; x = 3.5; 'ab'.indexOf(x); o[-1.5] = 1; o[x] = 1; o[-2.5] = 1;",
+              "-2.5 -1.5 3.5 "},
+             {"x = 'mn'.concat('o', 'p'); x += 'q'; o['m' + 'no'] = 1; o['m' + 'nopq'] = 1; o['m' + 'nop'] = "
+              "1;",
+              "mnop mnopq mno "},
+             {"a = new Array(620); a.slice(618); for (i = 621; i > 616; i--) o[i] = 1;",
+              "618 619 621 620 617 "},
+             {"a = new Array(720); a.concat(); for (i = 721; i > 716; i--) o[i] = 1;",
+              "717 718 719 721 720 "},
+             {"a = new Array(820); a.sort(); for (i = 821; i > 816; i--) o[i] = 1;", "819 818 817 821 820 "},
+             {"a = new Array(9000); a[1] = 1; a.reverse(); for (i = 950; i < 952; i++) o[i] = o[i + 7099] = "
+              "1;",
+              "8050 950 8049 951 "},
+         }) {
+        EXPECT_EQ(names(ctx, (std::string("o = {};") + script).c_str()), QString::fromLatin1(expected));
+    }
+    const auto kept = [&](const ESProperty& p) {
+        return p.tag == ESTagObject ? p.object->elements.count() : 0;
+    };
+    ctx.evaluate(QStringLiteral("o = {x: 1, y: 2}; a = 0; for (x in o);"));
+    for (std::uint32_t i = 0; i < ctx.globalObject->properties.count(); ++i) {
+        EXPECT_EQ(kept(ctx.globalObject->properties.at(i)), 0) << "an enumerator keeps its names";
+    }
+}
+
+// The order of `for in`, told by what was noted, against that of a run that makes an atom of every text.
+TEST(Enumeration, AgreesWithInterningEveryText) {
+    std::mt19937 random(20261123);
+    const auto pick = [&](unsigned n) { return QString::number(random() % n); };
+    for (int round = 0; round < 150; ++round) {
+        QString program = QStringLiteral("var s = '', k, o = {}, t = ['a', 'b1', 'a1', 'B', '1'];");
+        for (int i = 0; i < 60; ++i) {
+            const QString left = QStringLiteral("t[%1]").arg(pick(5));
+            const QString right = QStringLiteral("t[%1]").arg(pick(5));
+            const QString forms[] = {
+                left + u'+' + right,
+                left + u'+' + pick(130),
+                pick(130) + u'+' + left,
+                QStringLiteral("%1.substring(%2, %3)").arg(left, pick(9), pick(9)),
+                QStringLiteral("%1.concat(%2, %3)").arg(left, pick(130), right),
+                QStringLiteral("%1.toUpperCase()").arg(left),
+                QStringLiteral("String(%1 / 8)").arg(pick(2000)),
+                QStringLiteral("[%1, %2, 'a'].join('')").arg(left, pick(130)),
+            };
+            program += QStringLiteral("k = %1; t[%2] = k.length > 99 ? k.charAt(7) : k;")
+                           .arg(forms[random() % std::size(forms)], pick(5));
+            if (i % 3 == 0) {
+                program += QStringLiteral("o[%1] = o[%2] = 1;").arg(left, pick(400));
+            }
+            if (i % 20 == 19) {
+                program += QStringLiteral("for (k in o) s += k + ' ';");
+            }
+        }
+        QString outcomes[2];
+        for (const bool slowly : {false, true}) {
+            forgetAllRuns();
+            if (slowly) {
+                textLog.internEveryText();
+            }
+            ESContext context;
+            context.executionForm = slowly ? ESExecutionForm::Bytes : ESExecutionForm::Fused;
+            context.initContext();
+            outcomes[slowly] = context.toString(context.evaluate(program + u's').value);
+        }
+        ASSERT_EQ(outcomes[0], outcomes[1]) << program.toStdString();
+    }
+    forgetAllRuns();
+}
+
+// A difference anywhere in a text shows, wherever the text lies.
+TEST(TextHash, TellsTextsApart) {
+    for (qsizetype length = 1; length < 20; ++length) {
+        const QString text(length, u'x');
+        const QString shifted = u'y' + text;
+        EXPECT_EQ(hashOf(text), hashOf(QStringView(shifted).sliced(1)));
+        EXPECT_NE(hashOf(text), hashOf(shifted));
+        for (qsizetype i = 0; i < length; ++i) {
+            QString other = text;
+            other[i] = u'z';
+            EXPECT_NE(hashOf(text), hashOf(other)) << length << ' ' << i;
+        }
+    }
 }
 
 } // namespace
