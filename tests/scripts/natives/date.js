@@ -90,5 +90,7 @@ show([d.setTime(NaN), d.setTime(1e16), d.setTime(8.64e15) == 8.64e15, d.setTime(
 // --- What no calendar has reads as the parts of a null date.
 show(["[" + at(NaN) + "]", "[" + at(1/0).toDateString() + "]", "[" + at(NaN).toTimeString() + "]", at(NaN).valueOf(), local(at(NaN))]);
 // expect: []|[]|[]|NaN|0--1-0/0 -1:-1:-1.-1
+show([at(-1e20).getFullYear(), at(-1e25).getDate(), at(-1.7e308).getDate(), at(-1/0).getFullYear()]);
+// expect: 0|0|0|0
 show([at(-1e300).getFullYear(), "[" + at(-1e300) + "]", at(NaN).setDate(1), at(NaN).getTimezoneOffset()]);
 // expect: 0|[]|NaN|0

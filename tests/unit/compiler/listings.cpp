@@ -4,7 +4,6 @@
 #include "machine/listing.h"
 #include "runtime/context.h"
 
-#include <cctype>
 #include <map>
 #include <regex>
 #include <set>
@@ -12,32 +11,11 @@
 
 namespace {
 
-class ListingSwitch {
-public:
-    explicit ListingSwitch(std::ostream& stream) {
-        debugStream = &stream;
-        debugFlags = debugListBlocks;
-    }
-    ~ListingSwitch() {
-        debugStream = nullptr;
-        debugFlags = 0;
-    }
-    ListingSwitch(const ListingSwitch&) = delete;
-    ListingSwitch& operator=(const ListingSwitch&) = delete;
-};
-
-bool isJump(const std::string& mnemonic) {
-    for (const ESInstruction& instruction : instructionTable) {
-        if (mnemonic == instruction.mnemonic) {
-            return instruction.first == ESOperand::Target;
-        }
-    }
-    return false;
-}
-
 std::string shortened(const std::string& listing, int firstFunction) {
-    static const std::regex line("^([0-9a-f]{4,}):  (\\w+)(?:\t(.*))?$");
-    std::vector<std::pair<int, std::string>> instructions;
+    static const std::regex line("([0-9a-f]{4,}):  (\\w+)(?:\t(.*))?");
+    static const std::regex jump("J|J[A-Z_]+|LOGAND|LOGOR|NEXT");
+    static const std::regex unsaid(" \\[idx=\\d+\\]|,|(CG)\\d+");
+    std::map<int, std::string> instructions;
     std::set<int> targets;
     std::istringstream stream(listing);
     for (std::string text; std::getline(stream, text);) {
@@ -45,20 +23,16 @@ std::string shortened(const std::string& listing, int firstFunction) {
         if (!std::regex_match(text, match, line)) {
             return "not a listing: " + text;
         }
-        const std::string mnemonic = match[2];
-        std::string operand = match[3];
-        if (isJump(mnemonic)) {
-            targets.insert(std::stoi(operand, nullptr, 16));
-            operand = std::to_string(std::stoi(operand, nullptr, 16));
-        } else if (mnemonic == "CLOSURE") {
+        std::string operand = std::regex_replace(match[3].str(), unsaid, "$1");
+        if (std::regex_match(match[2].str(), jump)) {
+            const int target = std::stoi(operand, nullptr, 16);
+            targets.insert(target);
+            operand = std::to_string(target);
+        } else if (match[2] == "CLOSURE") {
             operand = "#" + std::to_string(std::stoi(operand.substr(1)) - firstFunction);
-        } else {
-            operand = std::regex_replace(operand, std::regex(" \\[idx=\\d+\\]"), "");
-            operand = std::regex_replace(operand, std::regex("^CG\\d+"), "CG");
-            operand = std::regex_replace(operand, std::regex(","), "");
         }
-        instructions.emplace_back(std::stoi(match[1], nullptr, 16),
-                                  mnemonic + (operand.empty() ? "" : " " + operand));
+        instructions[std::stoi(match[1], nullptr, 16)] =
+            match[2].str() + (operand.empty() ? "" : " ") + operand;
     }
     std::string result;
     for (const auto& [offset, text] : instructions) {
@@ -74,10 +48,11 @@ std::string shortened(const std::string& listing, int firstFunction) {
 std::vector<std::string> listingsOf(ESContext& ctx, const QString& text) {
     const int firstFunction = codeBlockCount();
     std::ostringstream stream;
-    {
-        const ListingSwitch on(stream);
-        compileProgram(ctx, text);
-    }
+    debugStream = &stream;
+    debugFlags = debugListBlocks;
+    compileProgram(ctx, text);
+    debugStream = nullptr;
+    debugFlags = 0;
     // Two line ends stand in front of each block.
     const std::string all = stream.str();
     std::vector<std::string> listings;
