@@ -32,6 +32,9 @@ ESOpcode registerForm(ESOpcode op) {
     }
 }
 
+// Entries that are only known may be this many: each write to a variable looks through them.
+constexpr std::size_t mostUnsettled = 64;
+
 } // namespace
 
 ESOpcode ESFusedTranslator::opAt(std::int32_t offset) const {
@@ -88,16 +91,17 @@ void ESFusedTranslator::bringHome(std::size_t index) {
 }
 
 void ESFusedTranslator::bringAllHome(std::size_t below) {
-    for (std::size_t i = 0; i < below; ++i) {
+    for (std::size_t i = stack_.settled(); i < below; ++i) {
         if (stack_[i].kind != ESFusedEntry::Home) {
             bringHome(i);
         }
     }
+    stack_.settle(below);
 }
 
 // Before a variable is written: entries that only name it take their copy.
 void ESFusedTranslator::leaveRegister(std::uint32_t reg) {
-    for (std::size_t i = 0; i < stack_.size(); ++i) {
+    for (std::size_t i = stack_.settled(); i < stack_.size(); ++i) {
         if (stack_[i].kind == ESFusedEntry::Register && stack_[i].reg == reg) {
             bringHome(i);
         }
@@ -185,10 +189,23 @@ bool ESFusedTranslator::scopeIsItsOwn() const {
     return true;
 }
 
+// All entries are at home here, whichever way leads here.
+void ESFusedTranslator::standAtLabel(std::size_t depth) {
+    if (flows_) {
+        bringAllHome(stack_.size());
+    }
+    stack_.cut(std::min(stack_.size(), std::min(depth, stack_.settled())));
+    while (stack_.size() < depth) {
+        pushHome();
+    }
+    stack_.settle(depth);
+}
+
 void ESFusedTranslator::run() {
     std::int32_t deepest = 0;
     depthAt_ = block_.depths(deepest);
     findLabels();
+    countInitialisers(deepest);
     cellAt_.assign(block_.code.size() + 1, 0);
     code_.argCount = block_.argCount;
     inRegisters_ = block_.needsActivation && scopeIsItsOwn();
@@ -201,18 +218,15 @@ void ESFusedTranslator::run() {
         next_ = offset_ + instructionTable[op].width();
         const std::int32_t depth = depthAt_[static_cast<std::size_t>(offset_)];
         if (isLabel(offset_) && depth != ESCodeBlock::unreached) {
-            if (flows_) {
-                bringAllHome(stack_.size());
-            }
-            stack_.clear();
-            while (stack_.size() < static_cast<std::size_t>(depth)) {
-                pushHome();
-            }
+            standAtLabel(static_cast<std::size_t>(depth));
             flows_ = true;
             cellAt_[static_cast<std::size_t>(offset_)] = static_cast<std::uint32_t>(code_.cells.size());
         }
         if (flows_ && depth != ESCodeBlock::unreached) {
             translate(op);
+        }
+        if (flows_ && stack_.size() > stack_.settled() + mostUnsettled) {
+            bringAllHome(stack_.size() - mostUnsettled / 2);
         }
     }
     for (const Patch& patch : patches_) {

@@ -7,7 +7,9 @@
 #include "machine/code_block.h"
 #include "machine/fused_code.h"
 
+#include <algorithm>
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 // One value of the picture.
@@ -15,6 +17,27 @@ struct ESFusedEntry {
     enum Kind : std::uint8_t { Home, Register, Constant, This } kind;
     std::uint32_t reg;
     ESValue constant;
+};
+
+// The values of the picture, from the bottom. Those below settled() are at home for sure, so that a literal
+// of thousands of elements need not be walked anew for each of them.
+class ESFusedPicture {
+public:
+    std::size_t size() const { return entries_.size(); }
+    std::size_t settled() const { return settled_; }
+    ESFusedEntry& operator[](std::size_t i) { return entries_[i]; }
+    ESFusedEntry& back() { return entries_.back(); }
+    void push(const ESFusedEntry& entry) { entries_.push_back(entry); }
+    void pop() { cut(entries_.size() - 1); }
+    void cut(std::size_t size) {
+        entries_.resize(size);
+        settled_ = std::min(settled_, size);
+    }
+    void settle(std::size_t below) { settled_ = std::max(settled_, below); }
+
+private:
+    std::vector<ESFusedEntry> entries_;
+    std::size_t settled_ = 0;
 };
 
 // Where a branch goes on a truth value, and where the code goes on otherwise.
@@ -42,6 +65,8 @@ private:
     bool scopeIsItsOwn() const;
     bool readsByKey(std::int32_t offset) const;
     void findLabels();
+    void countInitialisers(std::int32_t deepest);
+    void standAtLabel(std::size_t depth);
     std::int32_t threadJump(std::int32_t target) const;
     std::optional<std::int32_t> threadLogical(bool value, std::int32_t target) const;
     std::optional<ESFusedBranch> branchAt(std::int32_t offset) const;
@@ -50,18 +75,16 @@ private:
     std::uint32_t home(std::size_t depth) const { // depth counts from 1
         return (base_ + static_cast<std::uint32_t>(depth)) * bytesPerRegister;
     }
-    void pushHome() { stack_.push_back({ESFusedEntry::Home, home(stack_.size() + 1), undefinedValue()}); }
-    void pushRegister(std::uint32_t reg) {
-        stack_.push_back({ESFusedEntry::Register, reg, undefinedValue()});
-    }
-    void pushConstant(const ESValue& v) { stack_.push_back({ESFusedEntry::Constant, 0, v}); }
+    void pushHome() { stack_.push({ESFusedEntry::Home, home(stack_.size() + 1), undefinedValue()}); }
+    void pushRegister(std::uint32_t reg) { stack_.push({ESFusedEntry::Register, reg, undefinedValue()}); }
+    void pushConstant(const ESValue& v) { stack_.push({ESFusedEntry::Constant, 0, v}); }
     void bringHome(std::size_t index);
     void bringAllHome(std::size_t below);
     void leaveRegister(std::uint32_t reg);
     std::uint32_t registerOf(const ESFusedEntry& entry, std::size_t depth);
     ESFusedEntry pop() {
         const ESFusedEntry entry = stack_.back();
-        stack_.pop_back();
+        stack_.pop();
         return entry;
     }
     std::uint32_t popRegister() {
@@ -98,7 +121,6 @@ private:
     void calls(ESOpcode op);
     void jumps(ESOpcode op);
     void others(ESOpcode op);
-    std::uint32_t countInitialisers() const;
     void binary(ESOpcode op);
     void unary(ESOpcode op, ESFusedOp fused);
     void comparison(ESOpcode op);
@@ -121,7 +143,8 @@ private:
         std::int32_t offset;
     };
     std::vector<Patch> patches_;
-    std::vector<ESFusedEntry> stack_;
+    std::unordered_map<std::int32_t, std::uint32_t> initialisers_; // of the NEWOBJ at an offset
+    ESFusedPicture stack_;
     std::uint32_t base_ = 0; // registers before the home of depth 0
     std::int32_t offset_ = 0;
     std::int32_t next_ = 0;

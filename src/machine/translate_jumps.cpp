@@ -106,7 +106,7 @@ void ESFusedTranslator::jumps(ESOpcode op) {
         emit(op == OP_LOGOR ? ESFusedOp::JumpTrue : ESFusedOp::JumpFalse, 0);
         operands(stack_.back().reg, 0);
         target(to, true);
-        stack_.pop_back();
+        stack_.pop();
         return;
     }
 }

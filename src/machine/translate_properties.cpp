@@ -42,7 +42,7 @@ void ESFusedTranslator::properties(ESOpcode op) {
             return getIndexed(depth);
         }
         if (stack_.back().kind == ESFusedEntry::This) {
-            stack_.pop_back();
+            stack_.pop();
             const std::uint32_t to = destination();
             emit(ESFusedOp::GetFieldThis, spAt(depth));
             operands(to, 0);
@@ -67,7 +67,7 @@ void ESFusedTranslator::properties(ESOpcode op) {
         const bool onThis = stack_.back().kind == ESFusedEntry::This;
         const std::uint32_t object = onThis ? 0 : popRegister();
         if (onThis) {
-            stack_.pop_back();
+            stack_.pop();
         }
         const std::uint32_t value = popRegister();
         emit(onThis ? ESFusedOp::PutFieldThis : ESFusedOp::PutField, spAt(depth - 1));
@@ -124,37 +124,36 @@ void ESFusedTranslator::properties(ESOpcode op) {
     }
 }
 
-// How many properties the initialiser that begins here defines: its definitions stand one above its object.
-std::uint32_t ESFusedTranslator::countInitialisers() const {
-    const std::int32_t depth = depthAt_[static_cast<std::size_t>(offset_)] + 1;
-    std::uint32_t count = 0;
-    for (std::int32_t offset = next_; offset < block_.length();
+// How many properties each initialiser defines: its definitions stand one above its object.
+void ESFusedTranslator::countInitialisers(std::int32_t deepest) {
+    std::vector<std::int32_t> objectAt(static_cast<std::size_t>(deepest) + 1);
+    for (std::int32_t offset = 0; offset < block_.length();
          offset += instructionTable[opAt(offset)].width()) {
-        const std::int32_t here = depthAt_[static_cast<std::size_t>(offset)];
-        if (here < depth) {
-            break;
+        const std::int32_t depth = depthAt_[static_cast<std::size_t>(offset)];
+        if (depth != ESCodeBlock::unreached && opAt(offset) == OP_NEWOBJ) {
+            objectAt[static_cast<std::size_t>(depth) + 1] = offset;
+        } else if (depth != ESCodeBlock::unreached && opAt(offset) == OP_INITF) {
+            ++initialisers_[objectAt[static_cast<std::size_t>(depth) - 1]];
         }
-        count += opAt(offset) == OP_INITF && here == depth + 1 ? 1 : 0;
     }
-    return count;
 }
 
 void ESFusedTranslator::others(ESOpcode op) {
     const std::size_t depth = stack_.size();
     switch (op) {
     case OP_DROP:
-        stack_.pop_back();
+        stack_.pop();
         return;
     case OP_DUP: {
         const ESFusedEntry top = stack_.back();
-        stack_.push_back(top);
+        stack_.push(top);
         if (top.kind == ESFusedEntry::Home) {
             stack_.back() = {ESFusedEntry::Register, top.reg, undefinedValue()};
         }
         return;
     }
     case OP_VOID:
-        stack_.pop_back();
+        stack_.pop();
         return pushConstant(undefinedValue());
     case OP_TYPEOF:
         return unary(op, ESFusedOp::TypeOf);
@@ -195,7 +194,7 @@ void ESFusedTranslator::others(ESOpcode op) {
                 bringHome(i);
             }
         }
-        stack_.resize(depth - count);
+        stack_.cut(depth - count);
         const std::uint32_t values = home(stack_.size() + 1);
         const std::uint32_t to = destination();
         emit(ESFusedOp::MakeArray, spAt(depth));
@@ -204,7 +203,8 @@ void ESFusedTranslator::others(ESOpcode op) {
         return pushResult();
     }
     case OP_NEWOBJ: {
-        const std::uint32_t properties = countInitialisers();
+        const auto found = initialisers_.find(offset_);
+        const std::uint32_t properties = found == initialisers_.end() ? 0 : found->second;
         const std::uint32_t to = destination();
         emit(ESFusedOp::NewObject, 0);
         operands(to, properties);

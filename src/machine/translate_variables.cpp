@@ -15,7 +15,7 @@ void ESFusedTranslator::constants(ESOpcode op) {
     case OP_UNDEFINED:
         return pushConstant(undefinedValue());
     case OP_THIS:
-        stack_.push_back({ESFusedEntry::This, 0, undefinedValue()});
+        stack_.push({ESFusedEntry::This, 0, undefinedValue()});
         return;
     case OP_STR:
         return pushConstant(atomValue(atomAt(static_cast<std::int32_t>(first()))));
@@ -140,7 +140,7 @@ void ESFusedTranslator::call(ESFusedOp op, std::uint32_t count, std::uint32_t ca
         }
     }
     const std::int32_t sp = spAt(stack_.size() + 1);
-    stack_.resize(stack_.size() - count);
+    stack_.cut(stack_.size() - count);
     const std::uint32_t arguments = home(stack_.size() + 1);
     const std::uint32_t to = destination();
     emit(op, sp);
@@ -188,7 +188,7 @@ void ESFusedTranslator::calls(ESOpcode op) {
         const bool onThis = stack_.back().kind == ESFusedEntry::This;
         const std::uint32_t object = onThis ? thisOperand : popRegister();
         if (onThis) {
-            stack_.pop_back();
+            stack_.pop();
         }
         call(ESFusedOp::CallField, count, object);
         atom(atomAt(static_cast<std::int32_t>(first())));

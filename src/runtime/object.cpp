@@ -117,10 +117,11 @@ void ESPropertyTable::rebuildIndex(ESArena& arena) {
     }
 }
 
-// An entry of an erased slot stays in the index; its slot has no atom, so the search passes over it.
+// An entry of an erased slot stays in the index until it serves again; its slot has no atom, so the search
+// passes over it.
 void ESPropertyTable::enterIndex(ESAtom atom, std::uint32_t position) {
     std::uint32_t entry = atom->hash & (indexSize_ - 1);
-    while (index_[entry] != 0) {
+    while (index_[entry] != 0 && slots_[index_[entry] - 1].atom != nullptr) {
         entry = (entry + 1) & (indexSize_ - 1);
     }
     index_[entry] = position + 1;
