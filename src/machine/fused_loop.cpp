@@ -384,7 +384,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
     ARITHMETIC(Sub, OP_SUB, a - b)
     ARITHMETIC(Mul, OP_MUL, a * b)
     ARITHMETIC(Div, OP_DIV, a / b)
-    ARITHMETIC(Mod, OP_MOD, remainder(a, b))
+    ARITHMETIC(Mod, OP_MOD, remainderOf(a, b))
     ARITHMETIC_NR(Add, OP_ADD, a + b)
     ARITHMETIC_NR(Sub, OP_SUB, a - b)
     ARITHMETIC_NR(Div, OP_DIV, a / b)

@@ -43,7 +43,7 @@ inline bool isTrue(ESContext& ctx, const ESValue& v) {
 double largeRemainder(double a, double b);
 
 // The remainder of two numbers; whole ones need no library.
-inline double remainder(double a, double b) {
+inline double remainderOf(double a, double b) {
     const auto wholeA = ESContext::doubleToInt32(a);
     const auto wholeB = ESContext::doubleToInt32(b);
     if (wholeA >= 0 && wholeB > 0 && wholeA == a && wholeB == b && (wholeA != 0 || !std::signbit(a))) {

@@ -68,6 +68,16 @@ bool ESContext::deleteProperty(ESObject* obj, ESAtom atom) {
         return false;
     }
     obj->properties.erase(*slot);
+    if (obj->nativeClass == arrays && atom == wellKnownAtoms.length) {
+        // Elements in the vector are stored to without a look at the length; the next store has to make it
+        // anew.
+        for (std::uint32_t i = 0; i < obj->elements.count(); ++i) {
+            if (hasOwnElement(obj, i)) {
+                obj->properties.append(arena_, indexAtom(i), 0, obj->elements.data()[i]);
+            }
+        }
+        obj->elements.resize(0);
+    }
     return true;
 }
 

@@ -49,6 +49,9 @@ delete a.length;
 show("length deleted", a.length + " " + a[2] + " " + a.pop() + " " + a.length);
 a[4] = 1;
 show("length comes back", a.length);
+delete a.length;
+a[1] = 7;
+show("length comes back by a store to what is there", slots(a) + (delete a.length) + a[0]++ + slots(a));
 a = [1, 2, 3, 4];
 var shrinking = new Object();
 shrinking.valueOf = function () { a[6] = 6; return 2; };
@@ -115,6 +118,7 @@ new [].push();
 // expect: cut: 0 undefined undefined 9
 // expect: length deleted: 0 3 undefined 0
 // expect: length comes back: 5
+// expect: length comes back by a store to what is there: 1|7 (2)true12 (1)
 // expect: length converted after the old one was read: 1|2 (2)6
 // expect: filled backwards: 0|1|2|3|4|5|6|7|8|9 (10)7|8|9 (3)901|2|3|4|5|6|7|8 (8)
 // expect: deleted: 1|2|3|-|5|6|7|again (8)
@@ -124,4 +128,4 @@ new [].push();
 // expect: elements of the prototype: 1,inherited,31|-|3 (3)1|inherited|3 (3)inherited (1)6|5|4 (3)inherited,inheritedinherited|- (2)
 // expect: functions of the class: 0 2 0 1 2
 // expect: toString on an object: undefined
-// expect error: line 99: new must be given a constructor object
+// expect error: line 102: new must be given a constructor object
