@@ -239,7 +239,7 @@ void NameGraph::openScope(const Node* name, bool refusesBareArguments) {
     }
 }
 
-constexpr int options = DMGL_GNU_V3 | DMGL_PARAMS | DMGL_TYPES;
+constexpr int wholeNames = DMGL_GNU_V3 | DMGL_PARAMS | DMGL_TYPES;
 
 struct FreeBlock {
     void operator()(void* block) const { std::free(block); }
@@ -264,8 +264,8 @@ std::optional<bool> isAffordable(const char* name, Scheme scheme) {
     void* block = nullptr;
     errno = 0;
     leaveOnStack(scheme);
-    const Node* root = cplus_demangle_v3_components(isGlobal ? clone.c_str() : name,
-                                                    isGlobal ? options & ~DMGL_PARAMS : options, &block);
+    const Node* root = cplus_demangle_v3_components(
+        isGlobal ? clone.c_str() : name, isGlobal ? wholeNames & ~DMGL_PARAMS : wholeNames, &block);
     const std::unique_ptr<void, FreeBlock> owner(block);
     if (root == nullptr) {
         return errno == ENOMEM ? throw std::bad_alloc() : std::nullopt;

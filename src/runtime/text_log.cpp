@@ -30,7 +30,7 @@ void ESTextLog::noteSlow(const ESText* text) {
     }
     capacity_ = std::max(capacity_ * 2, 1024u);
     const ESText** const old = pending_.release();
-    auto* grown = static_cast<const ESText**>(std::realloc(old, capacity_ * sizeof *old));
+    auto* grown = static_cast<const ESText**>(std::realloc(old, capacity_ * sizeof(const ESText*)));
     pending_.reset(grown != nullptr ? grown : old);
     next_ = pending_.get() + count;
     if (grown == nullptr) {
@@ -64,7 +64,7 @@ void ESTextLog::enter(const ESText& text, std::uint32_t expected) {
         }
     }
     if (tables_.empty() || tables_.back().used * 4 >= tables_.back().slots.size() * 3) {
-        const int wanted = std::bit_width(expected + expected / 3);
+        const auto wanted = static_cast<int>(std::bit_width(expected + expected / 3));
         const int bits =
             std::min(std::max(wanted, tables_.empty() ? firstBits : tables_.back().bits + 2), mostBits);
         tables_.push_back({bits, 0, std::vector<Sighting>(std::size_t{1} << bits)});

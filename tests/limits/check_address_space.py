@@ -16,11 +16,8 @@ FIRMWARE = Path(__file__).resolve().parents[2] / "examples/firmware/firmware.elf
 # Each wants a good many MiB in a way of its own, and prints "done".
 SCRIPTS = {
     "a text that doubles": "var s = 'x'; for (var i = 0; i < 23; ++i) s += s; s.charAt(0);",
-    "a text from pieces": "var s = '', p = '0123456789abcdef'; for (var i = 0; i < 500000; ++i) s += p;"
-                          "s.indexOf('x');",
     "a long array": "var a = []; for (var i = 0; i < 600000; ++i) a[i] = i;",
     "objects": "var o = {}; for (var i = 0; i < 100000; ++i) o = {next: o, value: 'n' + i};",
-    "names": "var o = {}; for (var i = 0; i < 100000; ++i) o['name' + i] = i;",
     "closures": "function f(n) { return function () { return n; }; } var a = [];"
                 "for (var i = 0; i < 60000; ++i) a[i] = f(i);",
     "compilations": "for (var i = 0; i < 800; ++i) eval('var v' + i + ' = function (a) { return a + i; }');",

@@ -2,6 +2,7 @@
 #include "compiler/compilation.h"
 
 #include "runtime/context.h"
+#include "support/rows.h"
 
 #include <gtest/gtest.h>
 
@@ -53,92 +54,11 @@ protected:
     ESContext ctx;
 };
 
-struct Row {
-    const char* text;
-    const char* expected;
-};
-
-TEST_F(Compilation, ReportsErrorsWithTheirLine) {
-    const Row rows[] = {
-        {"a === b;", "line 1: expected ; found ==="},
-        {"\nx = 1 /* one\ntwo */ y", "line 3: expected ; found an identifier"},
-        {"a = b +\n\n", "line 3: expected an expression, found end of input"},
-        {"class", "line 1: expected an expression, found class"},
-        {"{", "line 1: expected } found end of input"},
-        {"f(1", "line 1: expected , found end of input"},
-        {"({if: 1})", "line 1: number, string, or identifier expected in object initialiser"},
-        {"({a: 1 b: 2})", "line 1: expected , found an identifier"},
-        {"a\n.\nnull", "line 3: expected an identifier found token<183>"},
-        {"function f(a,) {}", "line 1: expected an identifier found )"},
-        {"\nreturn 1", "line 2: return not in a function"},
-        {"foo\n: bar()", "line 2: expected an expression, found :"},
-        {"foo /**/ : bar()", "line 1: expected ; found :"},
-        {"for (var a, b in c) ;", "line 1: too many variables in for-in expression"},
-        {"switch (a) { foo }", "line 1: expected 'case' or 'default' but found 'an identifier'"},
-        {"switch (a) { case 1: default:\ndefault: }", "line 2: default case already defined"},
-        {"try {}\nf()", "line 2: 'catch' or 'finally' clause expected after 'try'"},
-        {"break\nf()", "line 2: expected ; found ("},
-        // The generator comes when the text has been read: its line is the last.
-        {"1 = 2;\n\n", "line 3: only left-hand-side expressions allowed"},
-        {"f() = 1", "line 1: only left-hand-side expressions allowed"},
-        {"delete f()\n", "line 2: only left-hand-side expressions allowed"},
-        {"for (var a = 1 in c) ;", "line 1: only left-hand-side expressions allowed"},
-        {"break;\n", "line 2: 'break' not in a 'for' or 'while' loop"},
-        {"while (a) { function f() { break; } }", "line 1: 'break' not in a 'for' or 'while' loop"},
-        {"L: x = 1; break L;", "line 1: can't find label L"},
-        {"for (;;) continue M;", "line 1: can't find label M"},
-        {"L: { continue L; }", "line 1: labeled 'continue' doesn't mark a loop"},
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(outcome(QString::fromLatin1(row.text)), row.expected) << row.text;
-    }
-}
-
-TEST_F(Compilation, EndsStatements) {
-    const Row rows[] = {
-        {"var a = 1, b = 2\na\n++b", "value 3"},
-        {"var c = 1; c++\nc", "value 2"},
-        {"var f = function (x) { return x; }\nf\n(7)", "value 7"},
-        {"var d = 1 +\n2", "value 3"},
-        {"if (true) d = 5; else d = 6; d", "value 5"},
-        {"if (true) { d = 7 } d", "value 7"},
-        {"do { d = 8 } while (false) d", "value 8"},
-        {"foo \t: d = 9; d", "value 9"},
-        {"{a: 1}", "value undefined"},
-        {"({a: 1}).a", "value 1"},
-        {"function g() { return\n1 } g()", "value undefined"},
-        {"(new Function('a', 'return 1')).length", "value 1"},
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(outcome(QString::fromLatin1(row.text)), row.expected) << row.text;
-    }
-}
-
-TEST_F(Compilation, CompilesFunctionTexts) {
-    const struct {
-        const char* parameters;
-        const char* body;
-        const char* expected;
-    } rows[] = {
-        {"a,", "x", "line 1: expected an identifier found end of input"},
-        {"a b", "x", "line 1: expected , found an identifier"},
-        {"return", "x", "line 1: expected an identifier found return"},
-        {"", "1 +", "line 1: expected an expression, found end of input"},
-        {"a,\nb", "\n\n}", "line 3: expected an expression, found }"},
-        {"", "\nbreak;", "line 2: 'break' not in a 'for' or 'while' loop"},
-        {"a\n,\nb", "return function () { return a + b; }", "[object Function]"},
-    };
-    for (const auto& row : rows) {
-        std::string found;
-        try {
-            const ESObject* fn =
-                compileFunction(ctx, QString::fromLatin1(row.parameters), QString::fromLatin1(row.body));
-            found = "[object " + std::string(fn->nativeClass->name) + "]";
-            EXPECT_EQ(ctx.toString(fn->value).toStdString(), "anonymous");
-        } catch (const ESException& exception) {
-            found = messageOf(exception.value);
+TEST_F(Compilation, ReportsErrorsWithTheirLineAndEndsStatements) {
+    for (const char* section : {"errors", "ends of statements"}) {
+        for (const Row& row : rowsOf("compiler/outcomes.table", section)) {
+            EXPECT_EQ(outcome(QString::fromLatin1(row.text)), row.expected) << row.text;
         }
-        EXPECT_EQ(found, row.expected) << row.body;
     }
 }
 
@@ -164,15 +84,6 @@ TEST_F(Compilation, FailuresRestoreTheMachine) {
     EXPECT_EQ(ctx.evaluate(QStringLiteral("1 + 1")).value.number, 2);
     EXPECT_EQ(ctx.sp, 3);
     EXPECT_EQ(ctx.acc.number, 42);
-}
-
-TEST_F(Compilation, FailuresLeaveNoFunctions) {
-    const std::int32_t blocks = codeBlockCount();
-    outcome(std::string("function f() { function g() {} } 1 +"));
-    outcome(std::string("function f() { function g() {} } break;"));
-    EXPECT_EQ(codeBlockCount(), blocks);
-    EXPECT_EQ(outcome(std::string("function f() { return function () { return 3; }; } f()()")), "value 3");
-    EXPECT_EQ(codeBlockCount(), blocks + 2);
 }
 
 // Length costs no depth.

@@ -3,6 +3,7 @@
 
 #include "natives/error.h"
 #include "runtime/context.h"
+#include "support/rows.h"
 
 #include <gtest/gtest.h>
 
@@ -71,90 +72,18 @@ private:
     }
 };
 
-struct Row {
-    const char* text;
-    const char* expected;
-};
-
 TEST_F(Lexer, SplitsText) {
-    const Row rows[] = {
-        {"", ""},
-        {"a.b.5", "a . b #0.5"},
-        {"x.5 .", "x #0.5 ."},
-        {"! != !== % %= & &= && * *= + += ++ - -= -- / /=",
-         "! != !== % %= & &= && * *= + += ++ - -= -- / /="},
-        {"< <= << <<= = == === > >= >> >>= >>> >>>= ^ ^= | |= ||",
-         "< <= << <<= = == === > >= >> >>= >>> >>>= ^ ^= | |= ||"},
-        {"a+++b a---b a>>>>b a====b a&&&b", "a ++ + b a -- - b a >>> > b a === = b a && & b"},
-        {"(),:;?[]{}~", "( ) , : ; ? [ ] { } ~"},
-        {"instanceof boolean Class classs $_9 in_", "instanceof boolean Class classs $_9 in_"},
-        {"true false null class", "token<181> token<182> token<183> class"},
-        {"3x 1e+x 1e x", "#3 x #1 x #1 x"},
-        {"a/b/c", "a / b / c"},
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(tokens(QString::fromLatin1(row.text)), row.expected) << row.text;
-    }
-}
-
-TEST_F(Lexer, CountsLines) {
-    const Row rows[] = {
-        {"a\nb", "a ^b@2"},  {"a\r\nb\rc", "a ^b@2 ^c"}, {"a/*x\ny*/b", "a b@2"},       {"a//x\nb", "a ^b@2"},
-        {"a//x\rb", "a ^b"}, {"a /*/ b */ c", "a c"},    {"a /**/ b /***/ c", "a b c"}, {"a /* b", "a"},
-        {"a // b", "a"},     {"a\t\v\f\x1a b", "a b"},
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(tokens(QString::fromLatin1(row.text)), row.expected) << row.text;
+    for (const char* section : {"splits", "lines", "numbers", "strings"}) {
+        for (const Row& row : rowsOf("compiler/tokens.table", section)) {
+            EXPECT_EQ(tokens(QString::fromLatin1(row.text)), row.expected) << row.text;
+        }
     }
     tokens(QStringLiteral("a /*\n\n"));
     EXPECT_EQ(endLine, 3) << "lines of a comment without an end";
 }
 
-TEST_F(Lexer, ReadsNumbers) {
-    const Row rows[] = {
-        {"0 0. .5 1. 1.e3 1.5.2", "#0 #0 #0.5 #1 #1000 #1.5 #0.20000000000000001"},
-        {"0e5 09 08.5 010 0777", "#0 e5 #0 #9 #0 #8.5 #8 #511"},
-        {"0x 0x1G 0XfF 0x1.8", "#nan #1 G #255 #1 #0.80000000000000004"},
-        {"1e5x 1e-2 1E+2 1e5.5", "#100000 x #0.01 #100 #100000 #0.5"},
-        {"1e 1e+ .5e-", "#1 #1 #0.5"},
-        {"123456789012345 9007199254740993 0.1", "#123456789012345 #9007199254740992 #0.10000000000000001"},
-        {"1e308 1e309 1e-400 5e-324", "#1e+308 #inf #0 #4.9406564584124654e-324"},
-        {"0xFFFFFFFFFFFFFFFFF 0100000000000000000000000", "#2.9514790517935283e+20 #5.9029581035870565e+20"},
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(tokens(QString::fromLatin1(row.text)), row.expected) << row.text;
-    }
-}
-
-TEST_F(Lexer, ReadsStrings) {
-    const Row rows[] = {
-        {R"('' "" 'a"b' "a'b")", R"('' '' 'a"b' 'a'b')"},
-        {R"('\x41\101\u0041')", "'AAA'"},
-        {R"('\b\f\n\t\r\v\q\\\'\"')", "'\b\f\n\t\rvq\\'\"'"},
-        {R"('\400\377\18\7x')", "'\x20"
-                                "0\xc3\xbf\x01"
-                                "8\ax'"},
-        {R"('x\x80y')", "'x\xc2\x80y'"},
-        {"'a\\\nb' c", "'a\nb' c"},
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(tokens(QString::fromLatin1(row.text)), row.expected) << row.text;
-    }
-}
-
 TEST_F(Lexer, RefusesWhatIsNoToken) {
-    const Row rows[] = {
-        {"\n\n a \\", "line 3: unknown character '\\'"},
-        {"a\xe9", "line 1: unknown character '\xc3\xa9'"},
-        {"'a\nb'", "line 1: newline in string constant"},
-        {"'a\\\r\nb'", "line 1: newline in string constant"},
-        {"\n'a", "line 2: end of file in string constant"},
-        {"'a\\", "line 1: end of file in string constant"},
-        {R"('\x4')", "line 1: malformed hex escape sequence"},
-        {R"('\u123g')", "line 1: malformed hex escape sequence"},
-        {R"('\u12)", "line 1: malformed hex escape sequence"},
-    };
-    for (const Row& row : rows) {
+    for (const Row& row : rowsOf("compiler/tokens.table", "refused")) {
         EXPECT_EQ(message(QString::fromLatin1(row.text)), row.expected) << row.text;
     }
     EXPECT_EQ(message(QStringLiteral("a \u20ac")), "line 1: unknown character '\xe2\x82\xac'");

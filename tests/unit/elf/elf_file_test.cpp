@@ -243,46 +243,4 @@ TEST(ProgramFinder, FindsTheFirstThatHoldsTheRangeWhole) {
     }
 }
 
-TEST(ElfFileMessages, NameTheCleanedPath) {
-    TemporaryFolder folder;
-    const std::string untidy = folder.path() + "/./x/..//missing\xE9.elf";
-    const std::string clean = folder.path() + "/missing\xE9.elf";
-    const auto messageOf = [](const std::function<void()>& action) {
-        try {
-            action();
-        } catch (const HException& failure) {
-            return failure.text();
-        }
-        return std::string("none");
-    };
-    ElfFile file;
-    EXPECT_EQ(messageOf([&] { file.load(FilePath(untidy.c_str())); }), "cannot open " + clean);
-    EXPECT_EQ(messageOf([&] { ElfFile loaded(FilePath(folder.path().c_str())); }),
-              "cannot open " + folder.path());
-    EXPECT_EQ(messageOf([&] { ElfFile empty(FilePath(""), 5); }), "none");
-    EXPECT_EQ(messageOf([&] { file.save(FilePath(folder.path().c_str())); }), "cannot open " + folder.path());
-    EXPECT_EQ(messageOf([&] { file.save(FilePath("")); }), "cannot open ");
-    file.save(FilePath(untidy.c_str()));
-    EXPECT_EQ(TemporaryFolder::read(clean), Bytes()); // nothing loaded, nothing in the file
-    EXPECT_EQ(folder.names(), (std::vector<std::string>{"missing\xE9.elf"}));
-}
-
-TEST(ElfSection, DumpsItsHeader) {
-    TemporaryFolder folder;
-    ElfBuilder builder(true);
-    builder.sections = {{".text", SHT_PROGBITS, countingBytes(8)}};
-    const Bytes image = builder.build();
-    ElfFile file(FilePath(folder.write("a.elf", image).c_str()), 0x8000);
-    file.save(FilePath(folder.file("b.elf").c_str()));
-    EXPECT_EQ(TemporaryFolder::read(folder.file("b.elf")), image); // the offset isn't saved
-    testing::internal::CaptureStdout();
-    file.findSection(".text")->dump();
-    const std::string text = testing::internal::GetCapturedStdout();
-    for (const char* line :
-         {"sh_name     : 0x1 .text\n", "sh_type     : 0x1 PROGBITS\n", "sh_flags    : 0x2 ALLOC\n",
-          "sh_addr     : 0x8000\n", "sh_size     : 0x8\n", "sh_addralign: 0x4\n"}) {
-        EXPECT_NE(text.find(line), std::string::npos) << line << text;
-    }
-}
-
 } // namespace

@@ -1,7 +1,6 @@
 // A folder for the files of one test, gone with its content at the end.
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -40,16 +39,6 @@ public:
     static std::vector<std::uint8_t> read(const std::string& path) {
         std::ifstream stream(path, std::ios::binary);
         return {std::istreambuf_iterator<char>(stream), {}};
-    }
-
-    // The names in the folder, hidden ones too, in order.
-    std::vector<std::string> names() const {
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(path_)) {
-            names.push_back(entry.path().filename().string());
-        }
-        std::sort(names.begin(), names.end());
-        return names;
     }
 
 private:

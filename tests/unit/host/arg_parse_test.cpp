@@ -1,8 +1,6 @@
 #include "host/arg_parse.h"
 
-#include "host/run.h"
-#include "runtime/context.h"
-#include "runtime/failures.h"
+#include "support/rows.h"
 
 #include <gtest/gtest.h>
 
@@ -46,38 +44,16 @@ TEST(ArgParse, WordsAndOptionsOfEveryKind) {
         many += "w ";
         seenOfMany += "(w)";
     }
-    const struct {
-        std::string line;
-        std::string seen;
-        const char* message = "";
-    } rows[] = {
-        {"", ""},
-        {"   \n", ""},
-        {"a  b\nc", "(a)(b)"},
-        {"a\tb # \n", "(a\tb)(#)"},
-        {"\"a b\" c\n", "(a b)(c)"},
-        {"\"abc\"def\"\"\n", "(abc)(def\"\")"},
-        {"\"\" \"a\\\"\n", "()(a\\)"},
-        {"a ", "(a)()"}, // no line end
-        {"a \"b\n", "", "unterminated string in command line"},
-        {many + "\n", seenOfMany},
-        {many + "\"w\"\n", "", "too many words in command line"},
-        {"a -flag b", "(a)[-flag](b)"},
-        {"-set x -set -flag", "[-set=x][-set=-flag]"},
-        {"-Dx=1 -D -Debug2", "[-D=x=1][-D=][-D=ebug2]"}, // -D comes first in the table
-        {"-Debug", "[-Debug=]"},                         // but the exact text comes before that
-        {"-late x y", "(y)"},
-        {"a -set", "(a)", "expected argument for option -set"},
-    };
-    for (const auto& row : rows) {
+    std::vector<Row> rows = rowsOf("host/words.table", "words");
+    rows.push_back({many + "\n", seenOfMany});
+    rows.push_back({many + "\"w\"\n", "host: error: too many words in command line\n"});
+    for (const Row& row : rows) {
         std::ostringstream messages;
         ErrorReporter reporter{"host", &messages, 0};
         Recorder parser(reporter);
-        parser.parseCommandString(row.line.c_str(), 1);
-        EXPECT_EQ(parser.seen, row.seen) << row.line;
-        EXPECT_EQ(messages.str(),
-                  *row.message == '\0' ? "" : std::string("host: error: ") + row.message + '\n');
-        EXPECT_EQ(reporter.errorCount, *row.message == '\0' ? 0 : 1);
+        parser.parseCommandString(row.text.c_str(), 1);
+        EXPECT_EQ(parser.seen + messages.str(), row.expected) << row.text;
+        EXPECT_EQ(reporter.errorCount, messages.str().empty() ? 0 : 1);
     }
     ErrorReporter reporter;
     Recorder parser(reporter);
@@ -86,22 +62,4 @@ TEST(ArgParse, WordsAndOptionsOfEveryKind) {
     parser.parseCommandString("-value \"v w\"", 1);
     EXPECT_TRUE(parser.flag);
     EXPECT_STREQ(parser.value, "v w");
-}
-
-// Scripts can only fail with error objects, so the other values come from here.
-TEST(ReportResult, TextOfAFailure) {
-    ESContext context;
-    context.initContext();
-    const std::pair<ESValue, const char*> rows[] = {
-        {numberValue(1.5), "uncaught exception - 1.5"},
-        {objectValue(context.newPlainObject()), "uncaught exception - [object Object]"},
-    };
-    for (const auto& [value, text] : rows) {
-        try {
-            reportResult(context, ESCompletion{ESCompletion::exception, value, {}});
-            ADD_FAILURE() << text;
-        } catch (const HException& failure) {
-            EXPECT_EQ(failure.text(), text);
-        }
-    }
 }

@@ -1,5 +1,7 @@
 #include "hostobjects/process_runner.h"
 
+#include "support/rows.h"
+
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
@@ -13,64 +15,26 @@ QString latin1(const char* text) { return QString::fromLatin1(text); }
 } // namespace
 
 TEST(CommandLine, SplitsByQuotesAndBlanks) {
-    const struct {
-        const char* command;
-        const char* words; // each in brackets
-    } rows[] = {
-        {"", ""},
-        {"   ", ""},
-        {"a  b", "[a][b]"},
-        {" a ", "[a]"},
-        {R"("a b" c)", "[a b][c]"},
-        {R"(ab"c d"e)", "[abc de]"},
-        {R"("" x)", "[x]"},
-        {R"(""x"")", "[x]"},
-        {R"(a\"b)", R"([a"b])"},
-        {R"("a\" b" c)", R"([a" b][c])"},
-        {R"(\"a b\")", R"(["a][b"])"},
-        {R"(a\b \ c\)", R"([a\b][\][c\])"},
-        {R"(a\\"b c")", R"([a\"b][c])"}, // the second backslash belongs to the quote, which opens nothing
-        {"a\tb\nc", "[a\tb\nc]"},
-        {R"(a "b c)", "[a][b c]"},
-        {R"(a ")", "[a]"},
-    };
-    for (const auto& row : rows) {
+    for (const Row& row : rowsOf("hostobjects/runs.table", "words")) {
         QString words;
-        for (const QString& word : splitCommandLine(latin1(row.command))) {
+        for (const QString& word : splitCommandLine(latin1(row.text.c_str()))) {
             words += u'[' + word + u']';
         }
-        EXPECT_EQ(words.toStdString(), row.words) << row.command;
+        EXPECT_EQ(words.toStdString(), row.expected) << row.text;
     }
 }
 
 TEST(OutputLines, FoldsBytesIntoLines) {
-    const struct {
-        QByteArray output;
-        const char* lines; // each in brackets, a null string as []
-    } rows[] = {
-        {"", ""},
-        {"a", ""},
-        {"ab", "[ab]"},
-        {"a\n", "[a]"},
-        {"\n", "[]"},
-        {"a\n\nbc\n", "[a][][bc]"},
-        {"a\nb", "[a]"},
-        {"a\nbc", "[a][bc]"},
-        {"ab\r\ncd\r\n", "[ab][cd]"},
-        {"ab\rcde\r", "[ab][de]"},
-        {"ab\r\r\ncd", "[ab][][cd]"},
-        {"\xE9\n", "[\xE9]"},
-    };
-    for (const auto& row : rows) {
+    for (const Row& row : rowsOf("hostobjects/runs.table", "lines")) {
         QStringList lines{latin1("before")};
-        appendOutputLines(row.output, &lines);
+        appendOutputLines(QByteArray::fromStdString(row.text), &lines);
         EXPECT_EQ(lines.takeFirst(), latin1("before"));
         QByteArray text;
         for (const QString& line : lines) {
             EXPECT_EQ(line.isNull(), line.isEmpty());
             text += '[' + line.toLatin1() + ']';
         }
-        EXPECT_EQ(text, QByteArray(row.lines)) << row.output.toPercentEncoding().constData();
+        EXPECT_EQ(text.toStdString(), row.expected) << row.text;
     }
     QStringList lines;
     appendOutputLines(QByteArray("a\0b\n", 4), &lines);

@@ -99,18 +99,4 @@ TEST(Machine, CompilesAfterAMillionStrings) {
     EXPECT_EQ(numberOf(ctx, "var fresh_name = 5; fresh_name + o.k999_999999"), 1000004);
 }
 
-// Calls whose activation nothing captured leave the memory where it was.
-TEST(Machine, GivesActivationsBack) {
-    ESContext ctx;
-    ctx.initContext();
-    numberOf(
-        ctx,
-        "function f(a) { var x = a; if (a < 0) { return function () { return x; }; } return x + 1; } f(1)");
-    const auto objects = [&] { return ctx.newPlainObject(); };
-    ESObject* before = objects();
-    EXPECT_EQ(numberOf(ctx, "var n = 0; for (var i = 0; i < 40; i++) n = f(n); n"), 40);
-    ESObject* after = objects();
-    EXPECT_LT(std::abs(after - before), 8) << "40 calls took objects from the pool";
-}
-
 } // namespace
