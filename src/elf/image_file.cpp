@@ -133,7 +133,7 @@ int moveInto(const char* link, const char* name, const char* target) {
 int moveIntoByChild(const char* link, const char* name, const char* target) {
     const pid_t child = vfork(); // NOLINT(clang-analyzer-security.insecureAPI.vfork)
     if (child == 0) {
-        setsid();
+        setsid();                            // NOLINT(clang-analyzer-unix.Vfork)
         _exit(moveInto(link, name, target)); // NOLINT(clang-analyzer-unix.Vfork)
     }
     if (child < 0) {

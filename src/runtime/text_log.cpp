@@ -30,7 +30,7 @@ void ESTextLog::noteSlow(const ESText* text) {
     }
     capacity_ = std::max(capacity_ * 2, 1024u);
     const ESText** const old = pending_.release();
-    auto* grown = static_cast<const ESText**>(std::realloc(old, capacity_ * sizeof(const ESText*)));
+    auto* grown = static_cast<const ESText**>(std::realloc(old, capacity_ * sizeof(void*)));
     pending_.reset(grown != nullptr ? grown : old);
     next_ = pending_.get() + count;
     if (grown == nullptr) {
