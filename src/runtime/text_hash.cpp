@@ -9,9 +9,11 @@ namespace {
 constexpr std::uint64_t modulus = (std::uint64_t{1} << 61) - 1;
 constexpr std::uint64_t pieceMask = (std::uint64_t{1} << 48) - 1;
 
+__extension__ using Wide = unsigned __int128;
+
 struct Key {
     std::uint64_t place;  // below 2^60, which keeps what step() gives below 2^63
-    std::uint64_t spread; // odd; takes the sum's bits up into those that tables use
+    std::uint64_t spread; // odd; takes each of the sum's bits into all those that tables use
 
     Key() {
         std::uint64_t random[2];
@@ -27,10 +29,16 @@ struct Key {
 
 // Not reduced to the end: equal texts go the same way, so the few bits above 2^61 do no harm.
 std::uint64_t step(std::uint64_t sum, std::uint64_t place, std::uint64_t piece) {
-    __extension__ using Wide = unsigned __int128;
     const Wide product = static_cast<Wide>(sum) * place;
     return (static_cast<std::uint64_t>(product) & modulus) + static_cast<std::uint64_t>(product >> 61) +
            piece;
+}
+
+// A last piece may differ in its high bits alone, which a product cut at 64 bits would leave in the high
+// half.
+std::uint64_t folded(std::uint64_t sum, std::uint64_t spread) {
+    const Wide product = static_cast<Wide>(sum) * spread;
+    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
 const Key key;
@@ -55,5 +63,5 @@ std::uint64_t hashOf(QStringView text) {
             last = last << 16 | at[rest - 1];
         }
     }
-    return step(sum, key.place, last) * key.spread;
+    return folded(step(sum, key.place, last), key.spread);
 }

@@ -5,7 +5,7 @@
 #include <QStringView>
 #include <cstdint>
 
-// For two different texts of n code units and a random key equal with a probability of at most n / 2^59: the
-// polynomial of the text's pieces of 48 bits, modulo 2^61 - 1, at a random place. The high bits are the good
-// ones. Qt's keyed qHash() costs twice as many instructions for a short name.
+// Two different texts of n code units meet in 32 bits of it with a probability of about 2^-32, whatever they
+// are: the polynomial of the text's pieces of 48 bits, modulo 2^61 - 1, at a random place (n / 2^59 at most),
+// folded by a random factor.
 std::uint64_t hashOf(QStringView text);

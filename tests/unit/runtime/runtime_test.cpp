@@ -148,7 +148,7 @@ TEST(TextHash, TellsTextsApart) {
         for (qsizetype i = 0; i < length; ++i) {
             QString other = text;
             other[i] = u'z';
-            EXPECT_NE(hashOf(text), hashOf(other)) << length << ' ' << i;
+            EXPECT_NE(std::uint32_t(hashOf(text)), std::uint32_t(hashOf(other))) << length << ' ' << i;
         }
     }
 }
