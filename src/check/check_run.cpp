@@ -12,6 +12,7 @@
 #include <cstring>
 #include <iostream>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -199,8 +200,10 @@ int run(int argc, char** argv) {
 int runCheck(int argc, char** argv) {
     try {
         return run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        std::cerr << "quorvane-check: out of memory\n";
     } catch (...) {
         std::cerr << "Internal error detected\n";
-        return NotChecked;
     }
+    return NotChecked;
 }

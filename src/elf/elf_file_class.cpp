@@ -3,7 +3,6 @@
 #include "runtime/context.h"
 
 #include <algorithm>
-#include <new>
 #include <optional>
 #include <vector>
 
@@ -143,16 +142,12 @@ ESValue ElfFileESClass::peekBytes(ESContext& ctx, const ESValue* argv) {
     if (range->length > mostElements) {
         ctx.raiseRangeError("length too large");
     }
-    try {
-        if (const auto bytes = file_.wholeRange(range->address, range->length, range->space)) {
-            return ctx.bytesToArray(bytes->data(), bytes->size());
-        }
-        std::vector<std::uint8_t> bytes(range->length);
-        file_.copyRange(range->address, bytes, range->space, range->padding);
-        return ctx.bytesToArray(bytes.data(), bytes.size());
-    } catch (const std::bad_alloc&) {
-        ctx.raiseRangeError("length too large");
+    if (const auto bytes = file_.wholeRange(range->address, range->length, range->space)) {
+        return ctx.bytesToArray(bytes->data(), bytes->size());
     }
+    std::vector<std::uint8_t> bytes(range->length);
+    file_.copyRange(range->address, bytes, range->space, range->padding);
+    return ctx.bytesToArray(bytes.data(), bytes.size());
 }
 
 bool ElfFileESClass::pokeBytes(ESContext& ctx, const ESValue* argv) {

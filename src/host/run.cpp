@@ -20,10 +20,34 @@
 #include <exception>
 #include <iostream>
 #include <memory>
+#include <new>
 
 namespace {
 
 constexpr const char* internalError = "Internal error detected\n";
+
+// The one whose scripts run, while they do.
+const ESContext* runningContext = nullptr;
+
+// Says on stderr what the exception in flight means, without asking for memory.
+void printFailure() {
+    try {
+        if (std::current_exception() != nullptr) {
+            throw;
+        }
+        std::fputs(internalError, stderr);
+    } catch (const HException& failure) {
+        std::fprintf(stderr, "error: %s\n", failure.text().c_str());
+    } catch (const std::bad_alloc&) {
+        if (runningContext != nullptr && runningContext->currentLine() > 0) {
+            std::fprintf(stderr, "error: line %d: out of memory\n", runningContext->currentLine());
+        } else {
+            std::fputs("error: out of memory\n", stderr);
+        }
+    } catch (...) {
+        std::fputs(internalError, stderr);
+    }
+}
 
 std::string bytesOf(const QString& text) { return text.toLatin1().toStdString(); }
 
@@ -44,7 +68,7 @@ void prepareProcess() {
     }
     // Where memory runs out inside a function of the library that may not throw.
     std::set_terminate([] {
-        std::fputs(internalError, stderr);
+        printFailure();
         std::fflush(stdout);
         std::_Exit(EXIT_FAILURE);
     });
@@ -69,6 +93,7 @@ void loadFile(ESContext& context, const QString& path, bool verbose) {
         std::printf("loading: %s\n", bytesOf(path).c_str());
     }
     ESCompletion completion;
+    context.setCurrentLine(0); // the last script's doesn't count for what reading needs
     if (!context.globalClass->loadFile(context, path, completion)) {
         throw HException("cannot load " + bytesOf(path));
     }
@@ -98,6 +123,7 @@ void runScripts(std::unique_ptr<ESContext>& context, const QuorvaneArgParse& arg
         }
         reportResult(*context, context->evaluate(script));
     }
+    runningContext = nullptr;
     context.reset();
 }
 
@@ -134,16 +160,15 @@ int runQuorvane(int argc, char** argv) {
             return EXIT_FAILURE;
         }
         context = std::make_unique<ESContext>();
+        runningContext = context.get();
         runScripts(context, arguments);
         // Closing tells what some file systems find out late.
         if (std::ferror(stdout) != 0 || std::fclose(stdout) != 0) {
             throw HException(outputLost);
         }
         return EXIT_SUCCESS;
-    } catch (const HException& failure) {
-        std::fprintf(stderr, "error: %s\n", failure.text().c_str());
     } catch (...) {
-        std::fputs(internalError, stderr);
+        printFailure();
     }
     std::exit(EXIT_FAILURE);
 }

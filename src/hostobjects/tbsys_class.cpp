@@ -10,6 +10,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <vector>
 
@@ -78,24 +79,47 @@ bool renameFile(const QString& oldPath, const QString& newPath) {
 
 // The two writers convert in these steps:
 // 1. the path; 2. the file is opened, which drops its old content; 3. only if that worked, the second
-// argument.
+// argument. Where that runs no script, it comes before 2, so that a want of memory costs no content.
+
+QByteArray utf8(ESContext& ctx, const ESValue& v) {
+    return QStringEncoder(QStringConverter::Utf8)(ctx.toString(v));
+}
 
 bool writeStringToFile(ESContext& ctx, const ESValue* argv) {
-    const UniqueFd file = openForWriting(ctx.toString(argv[0]));
+    const QString path = ctx.toString(argv[0]);
+    QByteArray bytes = argv[1].isString() ? utf8(ctx, argv[1]) : QByteArray();
+    const UniqueFd file = openForWriting(path);
     if (!file.isOpen()) {
         return false;
     }
-    const QByteArray bytes = QStringEncoder(QStringConverter::Utf8)(ctx.toString(argv[1]));
+    if (!argv[1].isString()) {
+        bytes = utf8(ctx, argv[1]);
+    }
     writeAll(file.get(), bytes.constData(), static_cast<std::size_t>(bytes.size()));
     return true;
 }
 
+bool holdsNumbersAlone(ESContext& ctx, const ESValue& v) {
+    if (!v.isObject() || !ctx.isArrayObject(v.object)) {
+        return false;
+    }
+    const ESElements& elements = v.object->elements;
+    return ctx.toUint32(ctx.get(v.object, wellKnownAtoms.length)) == elements.count() &&
+           std::all_of(elements.data(), elements.data() + elements.count(),
+                       [](const ESValue& element) { return element.isNumber(); });
+}
+
 bool writeByteArrayToFile(ESContext& ctx, const ESValue* argv) {
-    const UniqueFd file = openForWriting(ctx.toString(argv[0]));
+    const QString path = ctx.toString(argv[0]);
+    const bool early = holdsNumbersAlone(ctx, argv[1]);
+    std::vector<std::uint8_t> bytes = early ? ctx.arrayToBytes(argv[1]) : std::vector<std::uint8_t>();
+    const UniqueFd file = openForWriting(path);
     if (!file.isOpen()) {
         return false;
     }
-    const std::vector<std::uint8_t> bytes = ctx.arrayToBytes(argv[1]);
+    if (!early) {
+        bytes = ctx.arrayToBytes(argv[1]);
+    }
     writeAll(file.get(), reinterpret_cast<const char*>(bytes.data()), bytes.size());
     return true;
 }

@@ -5,7 +5,6 @@
 #include "runtime/context.h"
 
 #include <algorithm>
-#include <new>
 #include <utility>
 
 namespace {
@@ -346,47 +345,42 @@ void ESNativeArray::putElement(ESContext& ctx, ESObject* obj, std::uint32_t inde
 
 void ESNativeArray::call(ESContext& ctx, ESObject* fn, ESObject* thisObject, std::int32_t argc,
                          ESValue* argv) {
-    if (fn->memberIndex == Sort) { // makes nothing longer, and what its comparator lacks isn't a length
+    switch (fn->memberIndex) {
+    case Constructor:
+        argv[0] = objectValue(makeArray(ctx, argc, argv));
+        break;
+    case ToString:
+    case ToLocaleString:
+        argv[0] = listText(ctx, thisObject);
+        break;
+    case Concat:
+        argv[0] = objectValue(concat(ctx, thisObject, argc, argv));
+        break;
+    case Join:
+        argv[0] = join(ctx, thisObject, argv[0]);
+        break;
+    case Pop:
+        argv[0] = pop(ctx, thisObject);
+        break;
+    case Push:
+        argv[0] = numberValue(push(ctx, thisObject, argc, argv));
+        break;
+    case Reverse:
+        reverse(ctx, thisObject);
+        argv[0] = objectValue(thisObject);
+        break;
+    case Shift:
+        argv[0] = shift(ctx, thisObject);
+        break;
+    case Slice:
+        argv[0] = objectValue(slice(ctx, thisObject, argv[0], argv[1]));
+        break;
+    case Sort:
         sortElements(ctx, thisObject, argv[0]);
         argv[0] = objectValue(thisObject);
-        return;
-    }
-    try {
-        switch (fn->memberIndex) {
-        case Constructor:
-            argv[0] = objectValue(makeArray(ctx, argc, argv));
-            break;
-        case ToString:
-        case ToLocaleString:
-            argv[0] = listText(ctx, thisObject);
-            break;
-        case Concat:
-            argv[0] = objectValue(concat(ctx, thisObject, argc, argv));
-            break;
-        case Join:
-            argv[0] = join(ctx, thisObject, argv[0]);
-            break;
-        case Pop:
-            argv[0] = pop(ctx, thisObject);
-            break;
-        case Push:
-            argv[0] = numberValue(push(ctx, thisObject, argc, argv));
-            break;
-        case Reverse:
-            reverse(ctx, thisObject);
-            argv[0] = objectValue(thisObject);
-            break;
-        case Shift:
-            argv[0] = shift(ctx, thisObject);
-            break;
-        case Slice:
-            argv[0] = objectValue(slice(ctx, thisObject, argv[0], argv[1]));
-            break;
-        default:
-            badCall(ctx);
-        }
-    } catch (const std::bad_alloc&) {
-        lengthTooLarge(ctx);
+        break;
+    default:
+        badCall(ctx);
     }
 }
 

@@ -13,7 +13,6 @@ public:
     // A smaller `length` deletes the elements behind it; an index from the length on raises it.
     void put(ESContext& ctx, ESObject* obj, ESAtom atom, const ESValue& value) override;
     void putElement(ESContext& ctx, ESObject* obj, std::uint32_t index, const ESValue& value) override;
-    // Past what memory holds, both raise RangeError "length too large".
     void call(ESContext& ctx, ESObject* fn, ESObject* thisObject, std::int32_t argc, ESValue* argv) override;
     ESObject* construct(ESContext& ctx, ESObject* fn, std::int32_t argc, const ESValue* argv) override;
 };

@@ -5,6 +5,7 @@ usage: check_address_space.py PROGRAM
 
 Status 77 (skipped) where the program cannot run in a bounded address space at all, as under a sanitizer.
 """
+import re
 import resource
 import subprocess
 import sys
@@ -54,7 +55,7 @@ def main():
                 if (outcome.returncode, outcome.stdout, message) == (0, b"done", ""):
                     break
                 ended += 1
-                in_order = message == "Internal error detected\n" or message.endswith(": length too large\n")
+                in_order = re.fullmatch("error: (line 1: )?out of memory\n", message)
                 if outcome.returncode != 1 or outcome.stdout or not in_order or limit > 2000:
                     faults += 1
                     print("%s in %d MiB: status %d, %r and %r"
