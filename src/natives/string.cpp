@@ -6,7 +6,9 @@
 #include <QCollator>
 #include <QVarLengthArray>
 #include <algorithm>
+#include <iterator>
 #include <limits>
+#include <vector>
 
 namespace {
 
@@ -83,8 +85,44 @@ std::int32_t searchStart(ESContext& ctx, const ESValue& position, std::int32_t a
                                                                            : 0;
 }
 
+// Qt's search takes at most this many steps for a character of the text.
+constexpr qsizetype longestShortPattern = 64;
+
+// How far from `text` the first of size characters lies at which the length characters of `sought` stand, or
+// -1. Knuth, Morris and Pratt: no character of the text is looked at again, however the two repeat
+// themselves.
+template <typename Iterator>
+qsizetype findLong(Iterator text, qsizetype size, Iterator sought, qsizetype length) {
+    // How many characters of the pattern still fit where those up to here did and the next one doesn't.
+    std::vector<std::int32_t> rest(static_cast<std::size_t>(length) + 1);
+    std::int32_t* const fits = rest.data();
+    fits[0] = -1;
+    const auto step = [&](std::int32_t matched, QChar c) {
+        while (matched >= 0 && sought[matched] != c) {
+            matched = fits[matched];
+        }
+        return matched + 1;
+    };
+    for (qsizetype i = 1; i < length; ++i) {
+        fits[i + 1] = step(fits[i], sought[i]);
+    }
+    std::int32_t matched = 0;
+    for (qsizetype i = 0; i < size; ++i) {
+        matched = step(matched, text[i]);
+        if (matched == length) {
+            return i + 1 - length;
+        }
+    }
+    return -1;
+}
+
 double indexOf(QStringView text, QStringView sought, std::int32_t start) {
-    return static_cast<double>(text.indexOf(sought, start));
+    if (sought.size() <= longestShortPattern || start >= text.size()) {
+        return static_cast<double>(text.indexOf(sought, start));
+    }
+    const qsizetype found =
+        findLong(text.begin() + start, text.size() - start, sought.begin(), sought.size());
+    return static_cast<double>(found < 0 ? found : start + found);
 }
 
 double lastIndexOf(QStringView text, QStringView sought, std::int32_t start) {
@@ -93,7 +131,13 @@ double lastIndexOf(QStringView text, QStringView sought, std::int32_t start) {
         return -1;
     }
     const qsizetype from = std::min<qsizetype>(start, last);
-    return static_cast<double>(sought.isEmpty() ? from : text.lastIndexOf(sought, from));
+    if (sought.size() <= longestShortPattern) {
+        return static_cast<double>(sought.isEmpty() ? from : text.lastIndexOf(sought, from));
+    }
+    const qsizetype end = from + sought.size();
+    const qsizetype found =
+        findLong(std::make_reverse_iterator(text.begin() + end), end, sought.rbegin(), sought.size());
+    return static_cast<double>(found < 0 ? found : from - found);
 }
 
 // By the rules of the environment's locale. QString::localeAwareCompare does the same with a collator that
@@ -129,25 +173,35 @@ ESValue substring(ESContext& ctx, const ESValue& text, const ESValue& start, con
     return ctx.substring(text, std::min(s, e), std::max(s, e) - std::min(s, e));
 }
 
-// A character stays one character: what would become two is left as it is.
+// A character stays one character. Where all its mapping would be more, QChar leaves it as it is, though for
+// some there is one that stands for it: these.
+char16_t lower(char16_t c) {
+    if (c < 128) {
+        return c >= u'A' && c <= u'Z' ? c | 32 : c;
+    }
+    return c == 0x130 ? u'i' : QChar(c).toLower().unicode();
+}
+
+char16_t upper(char16_t c) {
+    if (c < 128) {
+        return c >= u'a' && c <= u'z' ? c & ~32 : c;
+    }
+    if (c >= 0x1F80 && c <= 0x1FAF) { // Greek with an iota below
+        return c | 8;
+    }
+    return c == 0x1FB3 || c == 0x1FC3 || c == 0x1FF3 ? c + 9 : QChar(c).toUpper().unicode();
+}
+
 template <typename Convert>
 ESValue convertCase(ESContext& ctx, const ESValue& text, Convert convert) {
     const QStringView characters = ESContext::viewOf(text);
     if (characters.size() <= 1) {
-        return characters.isEmpty() ? text : ctx.characterString(convert(characters.front()).unicode());
+        return characters.isEmpty() ? text : ctx.characterString(convert(characters.front().unicode()));
     }
     auto* converted = textArena().allocateArray<char16_t>(static_cast<std::size_t>(characters.size()));
     std::transform(characters.begin(), characters.end(), converted,
-                   [&](QChar c) { return convert(c).unicode(); });
+                   [&](QChar c) { return convert(c.unicode()); });
     return ESContext::noted(ESText::makeView(textArena(), converted, ESContext::textOf(text).length()));
-}
-
-QChar lower(QChar c) {
-    return c.unicode() < 128 ? QChar(c >= u'A' && c <= u'Z' ? c.unicode() + 32 : c.unicode()) : c.toLower();
-}
-
-QChar upper(QChar c) {
-    return c.unicode() < 128 ? QChar(c >= u'a' && c <= u'z' ? c.unicode() - 32 : c.unicode()) : c.toUpper();
 }
 
 ESValue fromCharCodes(ESContext& ctx, std::int32_t argc, const ESValue* argv) {

@@ -11,6 +11,13 @@ namespace {
 
 [[noreturn]] void badTag(const char* text) { throw ESFatalError{QString::fromLatin1(text)}; }
 
+int hexDigit(char16_t c) {
+    return c >= u'0' && c <= u'9'   ? c - u'0'
+           : c >= u'a' && c <= u'f' ? c - u'a' + 10
+           : c >= u'A' && c <= u'F' ? c - u'A' + 10
+                                    : -1;
+}
+
 double textToNumber(QStringView text) {
     // The common case first: a few decimal digits and nothing else.
     const qsizetype size = text.size();
@@ -29,11 +36,16 @@ double textToNumber(QStringView text) {
     if (text.isEmpty()) {
         return esNaN;
     }
-    bool ok = false;
     if (text.size() >= 2 && text[0] == u'0' && (text[1] == u'x' || text[1] == u'X')) {
-        const uint number = text.mid(2).toUInt(&ok, 16);
-        return ok ? number : esNaN;
+        // By hand, since Qt would take a sign, blanks and one more 0x there.
+        double number = text.size() > 2 ? 0 : esNaN;
+        for (const QChar c : text.mid(2)) {
+            const int digit = hexDigit(c.unicode());
+            number = digit >= 0 ? number * 16 + digit : esNaN;
+        }
+        return number <= 0xFFFFFFFF ? number : esNaN;
     }
+    bool ok = false;
     const double number = text.toDouble(&ok);
     return ok ? number : esNaN;
 }

@@ -23,7 +23,6 @@ void copyCharacters(char16_t* to, const char16_t* from, std::uint32_t count) {
 ESTextBuffer* newBuffer(ESArena& arena, std::uint32_t capacity) {
     const std::size_t bytes = offsetof(ESTextBuffer, characters) + std::size_t{capacity} * sizeof(char16_t);
     auto* buffer = static_cast<ESTextBuffer*>(arena.allocate(std::max(bytes, sizeof(ESTextBuffer))));
-    buffer->used = 0;
     buffer->capacity = capacity;
     return buffer;
 }
@@ -115,31 +114,39 @@ void ESText::release(ESArena& arena, const ESText* text) {
     }
 }
 
-// Walks the halves from the right end to the left without recursion, since a text that was appended to
-// 200,000 times is that deep on its left side. Where the leftmost part has room behind it, it stays in place.
+// Without recursion, since a text that was appended to 200,000 times is that deep on its left side. Where the
+// leftmost part has room behind it, or the rightmost in front, that part stays in place.
 void ESText::flatten() const {
     const ESText* leftmost = left_;
     while (!leftmost->isFlat()) {
         leftmost = leftmost->left_;
     }
-    ESTextBuffer* buffer = leftmost->buffer_;
-    const bool inPlace = buffer != nullptr &&
-                         leftmost->characters_ + leftmost->length_ == buffer->characters + buffer->used &&
-                         buffer->capacity - buffer->used >= length_ - leftmost->length_;
-    char16_t* start;
-    if (inPlace) {
-        start = const_cast<char16_t*>(leftmost->characters_);
-        buffer->used += length_ - leftmost->length_;
-    } else {
-        // A text that grew by appending will go on growing: leave room.
-        const bool grows = right_->length_ < left_->length_;
-        const std::uint32_t room = grows ? length_ / 2 + 16 : 0;
-        buffer = newBuffer(textArena(), length_ + room);
-        buffer->used = length_;
-        start = buffer->characters;
+    const ESText* rightmost = right_;
+    while (!rightmost->isFlat()) {
+        rightmost = rightmost->right_;
     }
-    copyParts(start + length_);
-    characters_ = start;
+    const std::uint32_t behind = length_ - leftmost->length_;
+    const std::uint32_t before = length_ - rightmost->length_;
+    ESTextBuffer* buffer = leftmost->buffer_;
+    if (buffer != nullptr && leftmost->characters_ + leftmost->length_ == buffer->characters + buffer->used &&
+        buffer->capacity - buffer->used >= behind) {
+        copyParts(buffer->characters + buffer->used + behind);
+        buffer->used += behind;
+        characters_ = leftmost->characters_;
+    } else if (buffer = rightmost->buffer_; buffer != nullptr && buffer->first >= before &&
+                                            rightmost->characters_ == buffer->characters + buffer->first) {
+        copyParts(buffer->characters + buffer->first + rightmost->length_);
+        buffer->first -= before;
+        characters_ = buffer->characters + buffer->first;
+    } else {
+        // A text that grew at an end will go on growing there: leave room.
+        const std::uint32_t room = left_->length_ != right_->length_ ? length_ / 2 + 16 : 0;
+        buffer = newBuffer(textArena(), length_ + room);
+        buffer->first = left_->length_ < right_->length_ ? room : 0;
+        buffer->used = buffer->first + length_;
+        copyParts(buffer->characters + buffer->used);
+        characters_ = buffer->characters + buffer->first;
+    }
     buffer_ = buffer;
     atom_ = nullptr;
 }

@@ -1,6 +1,7 @@
 // ESText, the characters of a script string: UTF-16 code units that never change once they can be seen. A
-// concatenation holds its two halves and is flattened when somebody first looks; an append behind the end of
-// a buffer with room goes in place. Atoms (atom.h) hold a text each, so both string tags read alike.
+// concatenation holds its two halves and is flattened when somebody first looks; an append or a prepend to a
+// text whose buffer has room there goes in place. Atoms (atom.h) hold a text each, so both string tags read
+// alike.
 #pragma once
 
 #include "runtime/arena.h"
@@ -13,8 +14,10 @@
 inline std::uint32_t lastTextOrder = 0;
 inline std::uint32_t nextTextOrder() { return ++lastTextOrder; }
 
-// Characters that texts share. Texts that end at `used` may be extended in place.
+// Characters that texts share: those from `first` up to `used`. Texts that start or end there may be extended
+// in place.
 struct ESTextBuffer {
+    std::uint32_t first;
     std::uint32_t used;
     std::uint32_t capacity;
     char16_t characters[1];

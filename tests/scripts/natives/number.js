@@ -49,8 +49,8 @@ show([n.toFixed(digits), n.value, (new Number(8)).toString(digits)]);
 // Texts to numbers, numbers to 32 bits, and back to texts.
 WScript.Echo([+" 12 ", +"0XfF", +"1e3", +"-1.5", +"+7", +"007", +"0xffffffff", +".5", +"5.", +"1e-3"].join() + "\n");
 // expect: 12,255,1000,-1.5,7,7,4294967295,0.5,5,0.001
-WScript.Echo([+"", +"   ", +"0x", +"0x100000000", +"12abc", +"0xg", +"1 2", +"-", +"."].join() + "\n");
-// expect: NaN,NaN,NaN,NaN,NaN,NaN,NaN,NaN,NaN
+WScript.Echo([+"", +"   ", +"0x", +"0x100000000", +"12abc", +"0xg", +"1 2", +"-", +".", +"0x0x10", +"0x+5", +"0x 5"].join() + "\n");
+// expect: NaN,NaN,NaN,NaN,NaN,NaN,NaN,NaN,NaN,NaN,NaN,NaN
 WScript.Echo([4294967296 | 0, 2147483648 | 0, -1.5 | 0, 1e300 | 0, -4294967297 | 0, 18446744073709555712 | 0, Infinity | 0, NaN | 0].join() + "\n");
 // expect: 0,-2147483648,-1,0,-1,4096,0,0
 WScript.Echo([(255).toString(16), (-1).toString(16), -0, (35).toString(36), 9007199254740993, -1e21, (18446744073709551616).toString(16)].join() + "\n");
