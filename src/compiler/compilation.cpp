@@ -56,6 +56,7 @@ std::unique_ptr<ESCodeBlock> compileProgram(ESContext& ctx, const QString& text)
 }
 
 ESObject* compileFunction(ESContext& ctx, const QString& parameters, const QString& body) {
+    showActivation(ctx);
     ESCodeBlock* block =
         keepCodeBlock(std::make_unique<ESCompilation>(ctx)->compileFunction(parameters, body));
     ESObject* fn = newFunction(ctx, block);

@@ -1,5 +1,6 @@
 // Compile and run: where compiler and machine meet.
 #include "compiler/compilation.h"
+#include "machine/operators.h"
 #include "runtime/context.h"
 #include "runtime/native_stack.h"
 
@@ -52,6 +53,7 @@ ESCompletion ESContext::evaluate(const QString& text) {
     if (nativeStackLow()) {
         stackTooSmall();
     }
+    showActivation(*this);
     const RegisterGuard registers(*this);
     ESCompletion completion;
     try {

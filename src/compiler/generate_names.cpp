@@ -3,20 +3,12 @@
 
 #include "runtime/context.h"
 
-namespace {
-
-constexpr ESNameForms callForms = {OP_CALLG, OP_CALLA, OP_CALLAM, OP_CALLL, OP_CALLLM, OP_CALLW};
-
-// The text that such a function runs may look for the variables of its caller by name.
-bool isEvaluator(QStringView name) { return name == u"eval" || name == u"load" || name == u"Function"; }
-
-} // namespace
+static constexpr ESNameForms callForms = {OP_CALLG, OP_CALLA, OP_CALLAM, OP_CALLL, OP_CALLLM, OP_CALLW};
 
 // Mentioning a name that nothing declares makes a global of it, here and now. Inside `with`, and for a
 // variable of a function further out, only the run can tell.
 ESNameRef ESCodeGenerator::resolveName(ESAtom atom) {
     const ESNameRef dynamic = {ESNameRef::Dynamic, 0, atom};
-    block().namesEvaluator = block().namesEvaluator || isEvaluator(atom->view());
     if (firstPass_ && !scope_->isProgram) {
         if (atom == wellKnownAtoms.arguments) {
             markActivation();

@@ -24,7 +24,6 @@ public:
     std::int32_t argCount = 0;         // formal parameters
     std::int32_t localCount = 0;       // local variables; a repeated `var` counts again
     bool enclosesEval = false;         // a function directly nested in this one names `eval`
-    bool namesEvaluator = false;       // this one names a function that runs a text where it is called
     bool needsActivation = false;      // arguments and locals live in an activation object
     std::vector<ESProperty> variables; // the formals, then the locals: atom, attributes, undefined
 

@@ -6,6 +6,8 @@
 #include "machine/fused_code.h"
 #include "machine/operators.h"
 
+#include <utility>
+
 // The scope of a call that keeps its variables in an activation: one that an ended call left, or a new one.
 void enterActivation(ESContext& ctx, ESFusedCode& code, const ESValue* args);
 
@@ -33,17 +35,44 @@ inline void leaveFunction(ESFusedCode& code, ESObject* node) {
     }
 }
 
-// Gives the depth of frames back when a run ends, however it ends.
+// A native called by a function whose variables lie in registers though it has an activation by the bytes. An
+// evaluator, however the native came to it, needs that activation: showActivation() makes it of the
+// registers, and the function goes on with it behind the call, on the bytes.
+struct ESRegisterCall {
+    ESRegisterCall(ESContext& ctx, ESFusedCode& caller, ESValue* frame)
+        : context(ctx), code(caller), registers(frame) {
+        context.registerCall = this;
+    }
+    ~ESRegisterCall() { context.registerCall = nullptr; }
+    ESRegisterCall(const ESRegisterCall&) = delete;
+    ESRegisterCall& operator=(const ESRegisterCall&) = delete;
+
+    ESContext& context;
+    ESFusedCode& code;
+    ESValue* const registers;
+    bool shown = false;
+};
+
+// Runs the rest of a function whose activation was shown, behind the call at `offset` whose
+// result is in acc. Its own is there then.
+void finishOnBytes(ESContext& ctx, const ESFusedCode& code, ESValue* registers, std::int32_t offset);
+
+// Gives the depth of frames back when a run ends, however it ends. What it runs is in no native call yet.
 class FrameGuard {
 public:
-    explicit FrameGuard(ESContext& ctx) : ctx_(ctx), depth_(ctx.frameDepth) {}
-    ~FrameGuard() { ctx_.frameDepth = depth_; }
+    explicit FrameGuard(ESContext& ctx)
+        : ctx_(ctx), depth_(ctx.frameDepth), call_(std::exchange(ctx.registerCall, nullptr)) {}
+    ~FrameGuard() {
+        ctx_.frameDepth = depth_;
+        ctx_.registerCall = call_;
+    }
     FrameGuard(const FrameGuard&) = delete;
     FrameGuard& operator=(const FrameGuard&) = delete;
 
 private:
     ESContext& ctx_;
     std::int32_t depth_;
+    ESRegisterCall* call_;
 };
 
 // A new object of a constructor, with room for what the constructor gave the ones before.

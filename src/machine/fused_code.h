@@ -58,6 +58,7 @@ public:
     std::int32_t localCount = 0; // of those that lie in the stack
     std::int32_t uncounted = 0;  // of these, how many the loop over the bytes keeps elsewhere
     bool needsActivation = false;
+    bool inRegisters = false; // the variables lie in the stack, though the bytes have them in an activation
     std::vector<ESProperty> activationTemplate; // slots of a fresh activation
     std::uint32_t propertiesMade = 0;           // most that a call as a constructor has left on its object
     std::vector<ESObject*> freeNodes;           // scope nodes of ended calls that nothing captured

@@ -822,8 +822,17 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         argc = static_cast<std::int32_t>(C);
         callee = fn.object;
         if (callee->memberIndex >= 0) {
-            ESObject* object = ctx.construct(callee, argc, args);
-            R(A) = objectValue(object);
+            if (code->inRegisters) {
+                ESRegisterCall call(ctx, *code, fp);
+                ctx.acc = objectValue(ctx.construct(callee, argc, args));
+                if (call.shown) [[unlikely]] {
+                    goto goOnBytes;
+                }
+                R(A) = ctx.acc;
+            } else {
+                ESObject* object = ctx.construct(callee, argc, args);
+                R(A) = objectValue(object);
+            }
             NEXT(New)
         }
         receiver = made = newFromPrototypeOf(ctx, callee);
@@ -881,6 +890,9 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
 
     {
         ESValue result;
+    leaveWithAcc:
+        result = ctx.acc;
+        goto leave;
         CASE(ReturnUndefined) : result = undefinedValue();
         goto leave;
         CASE(Return) : copyValue(result, R(A));
@@ -931,7 +943,16 @@ enterCall : {
     }
     if (callee->memberIndex >= 0) {
         ctx.sp += count - argc;
-        callee->nativeClass->call(ctx, callee, receiver, count, args);
+        if (code->inRegisters) {
+            ESRegisterCall call(ctx, *code, fp);
+            callee->nativeClass->call(ctx, callee, receiver, count, args);
+            if (call.shown) [[unlikely]] {
+                ctx.acc = args[0];
+                goto goOnBytes;
+            }
+        } else {
+            callee->nativeClass->call(ctx, callee, receiver, count, args);
+        }
         copyValue(R(A), args[0]);
         pc = resume;
         AGAIN();
@@ -959,6 +980,17 @@ enterCall : {
     saved.node = ctx.scope;
     pc = code->cells.data();
     AGAIN();
+}
+
+// acc holds the result of the native call at pc.
+goOnBytes : {
+    const std::int32_t offset = code->sites[static_cast<std::size_t>(pc - code->cells.data())].offset;
+    finishOnBytes(ctx, *code, fp, offset);
+    if (ctx.frameDepth == entryDepth) {
+        ctx.sp = entrySp + 1;
+        return nullptr;
+    }
+    goto leaveWithAcc;
 }
 #if !ES_COMPUTED_GOTO
 }

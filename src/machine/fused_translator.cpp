@@ -157,10 +157,11 @@ void ESFusedTranslator::findLabels() {
     }
 }
 
-// Whether nobody else can come by the activation of a call: nothing takes hold of the scope, and no name that
-// is looked for along it is one of the function's own. Then its variables may as well lie in the stack.
+// Whether nobody but an evaluator can come by the activation of a call: nothing takes hold of the scope, and
+// no name that is looked for along it is one of the function's own. Then its variables may as well lie in the
+// stack.
 bool ESFusedTranslator::scopeIsItsOwn() const {
-    if (block_.namesEvaluator || block_.localCount > ESContext::maxUncounted) {
+    if (block_.localCount > ESContext::maxUncounted) {
         return false;
     }
     const auto isVariable = [&](ESAtom atom) {
@@ -211,6 +212,7 @@ void ESFusedTranslator::run() {
     inRegisters_ = block_.needsActivation && scopeIsItsOwn();
     code_.needsActivation = block_.needsActivation && !inRegisters_;
     code_.localCount = code_.needsActivation ? 0 : block_.localCount;
+    code_.inRegisters = inRegisters_;
     code_.uncounted = inRegisters_ ? block_.localCount : 0;
     base_ = static_cast<std::uint32_t>(code_.argCount + code_.localCount);
     for (offset_ = 0; offset_ < block_.length(); offset_ = next_) {

@@ -59,8 +59,7 @@ void callMethod(ESContext& ctx, std::uint32_t index, ESAtom atom, std::int32_t a
 } // namespace
 
 template <bool AsksKeepRunning>
-void executeBytes(ESContext& ctx, ESCodeBlock& block) {
-    std::int32_t pc = 0;
+void executeBytes(ESContext& ctx, ESCodeBlock& block, std::int32_t pc) {
     const auto first = [&] { return block.operandAt(pc + 1); };
     const auto second = [&] { return static_cast<std::int32_t>(block.operandAt(pc + 3)); };
     const auto global = [&]() -> ESProperty& { return ctx.globalObject->properties.at(first()); };
@@ -436,5 +435,5 @@ void executeBytes(ESContext& ctx, ESCodeBlock& block) {
 #undef PUSH
 #undef POP
 
-template void executeBytes<false>(ESContext& ctx, ESCodeBlock& block);
-template void executeBytes<true>(ESContext& ctx, ESCodeBlock& block);
+template void executeBytes<false>(ESContext& ctx, ESCodeBlock& block, std::int32_t pc);
+template void executeBytes<true>(ESContext& ctx, ESCodeBlock& block, std::int32_t pc);

@@ -2,9 +2,12 @@
 // is the reference that the faster form (fused_code.h) is tested against.
 #pragma once
 
+#include <cstdint>
+
 class ESCodeBlock;
 class ESContext;
 
-// Runs a block from offset 0 to RET or RETU; on return ctx.acc holds the result, counted as one pushed value.
+// Runs a block from offset `pc` to RET or RETU; on return ctx.acc holds the result, counted as one pushed
+// value.
 template <bool AsksKeepRunning>
-void executeBytes(ESContext& ctx, ESCodeBlock& block);
+void executeBytes(ESContext& ctx, ESCodeBlock& block, std::int32_t pc = 0);

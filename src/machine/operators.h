@@ -53,6 +53,9 @@ ESValue arrayLiteral(ESContext& ctx, std::int32_t count, const ESValue* values);
 // From now on the nodes of this chain outlive the calls that made them.
 void captureScope(ESObject* scope);
 bool isCaptured(const ESObject* scopeNode);
+// To be called before a text is compiled: what it means by a name may depend on the variables of the function
+// that runs. See ESRegisterCall.
+void showActivation(ESContext& ctx);
 // The activation of a call: a scope node in front of ctx.scope, whose object holds the arguments at `args`
 // and the locals of the block by position. Becomes ctx.scope.
 void pushActivation(ESContext& ctx, const ESCodeBlock& block, std::int32_t argc, const ESValue* args);

@@ -158,6 +158,12 @@ void ESFusedTranslator::calls(ESOpcode op) {
             }
         }
     };
+    if (inRegisters_) { // the bytes may have to go on behind the call
+        const std::size_t operands = op == OP_CALLX                                 ? 2
+                                     : oneOperand || op == OP_CALLF || op == OP_NEW ? 1
+                                                                                    : 0;
+        bringAllHome(stack_.size() - count - operands);
+    }
     switch (op) {
     case OP_CALLG:
         call(ESFusedOp::CallGlobal, count, first());

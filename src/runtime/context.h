@@ -21,6 +21,7 @@
 #endif
 
 struct ESFusedFrame;
+struct ESRegisterCall;
 class ESNativeArray;
 class ESNativeBoolean;
 class ESNativeDate;
@@ -224,8 +225,9 @@ public:
     ESValue* frame = nullptr;   // first argument of the running function, inside stack
     std::int32_t frameArgs = 0; // arguments of the running function, those added by the call included
     ESObject* thisObject = nullptr;
-    ESFusedFrame* frames = nullptr; // script calls of the fused loop that haven't ended
-    std::int32_t frameDepth = 0;    // entries of frames in use
+    ESFusedFrame* frames = nullptr;         // script calls of the fused loop that haven't ended
+    std::int32_t frameDepth = 0;            // entries of frames in use
+    ESRegisterCall* registerCall = nullptr; // the one that the fused loop stands in, if any
     const bool asksKeepRunning;
     // What contexts start with; only tests change it.
     inline static ESExecutionForm defaultForm = ESExecutionForm::Fused;
