@@ -13,6 +13,7 @@
 #include <array>
 #include <cerrno>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -175,7 +176,7 @@ int glanceAt(pid_t pid) {
 
 int finish(pid_t pid, bool wait) { return wait ? reap(pid, 0).value_or(-1) : glanceAt(pid); }
 
-int runCapturing(const Command& command, QStringList* stdoutLines, QStringList* stderrLines, bool wait) {
+int runCapturing(const Command& command, OutputLines* stdoutLines, OutputLines* stderrLines, bool wait) {
     Pipe out;
     Pipe err;
     if (!out.open() || !err.open()) {
@@ -191,8 +192,8 @@ int runCapturing(const Command& command, QStringList* stdoutLines, QStringList* 
     Stream outStream{std::move(out.readEnd), {}};
     Stream errStream{std::move(err.readEnd), {}};
     readStreams(pid, outStream, errStream);
-    appendOutputLines(outStream.bytes, stdoutLines);
-    appendOutputLines(errStream.bytes, stderrLines);
+    stdoutLines->add(outStream.bytes);
+    stderrLines->add(errStream.bytes);
     return finish(pid, wait);
 }
 
@@ -223,7 +224,7 @@ QStringList splitCommandLine(const QString& command) {
 }
 
 int runProcess(const QStringList& arguments, bool wait, const QString& workingDirectory,
-               QStringList* stdoutLines, QStringList* stderrLines) {
+               OutputLines* stdoutLines, OutputLines* stderrLines) {
     if (arguments.isEmpty()) {
         return -1;
     }
@@ -249,20 +250,26 @@ bool readPipeChunk(int fd, QByteArray& output) {
     return count > 0;
 }
 
-void appendOutputLines(const QByteArray& output, QStringList* lines) {
-    const auto appendLine = [&](qsizetype start, qsizetype end) {
-        lines->append(end > start ? QString::fromLatin1(output.constData() + start, end - start) : QString());
+void OutputLines::add(const QByteArray& output) {
+    if (text_.isEmpty()) { // else it grows as many small ones need it
+        text_.reserve(output.size() + 1);
+    }
+    const auto addLine = [&](qsizetype start, qsizetype end) {
+        if (std::exchange(any_, true)) {
+            text_ += '\n';
+        }
+        text_.append(output.constData() + start, end - start);
     };
     qsizetype start = 0;
     for (qsizetype i = 0; i < output.size(); ++i) {
         const char c = output[i];
         if (c == '\n' || c == '\r') {
-            appendLine(start, i);
+            addLine(start, i);
             i += c == '\r' ? 1 : 0;
             start = i + 1;
         }
     }
     if (output.size() - start >= 2) {
-        appendLine(start, output.size());
+        addLine(start, output.size());
     }
 }

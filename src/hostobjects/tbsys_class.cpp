@@ -2,7 +2,6 @@
 
 #include "hostobjects/crc32.h"
 #include "hostobjects/file_helpers.h"
-#include "hostobjects/process_runner.h"
 #include "runtime/context.h"
 
 #include <QStringDecoder>
@@ -171,6 +170,7 @@ TBSysESClass::TBSysESClass() : ESClass("TBSys") {}
 ESObject* TBSysESClass::init(ESContext& ctx) {
     ESObject* object = ESClass::init(ctx);
     defineMembers(ctx, object, members, this, name, ESMemberNaming::Prototype);
+    stdout_.text = stderr_.text = ctx.newString("");
     return object;
 }
 
@@ -219,10 +219,10 @@ void TBSysESClass::call(ESContext& ctx, ESObject* fn, ESObject* thisObject, std:
         argv[0] = run(ctx, argv);
         return;
     case GetRunStdout:
-        argv[0] = ctx.newString(runStdout_.join(u'\n'));
+        argv[0] = textOf(ctx, stdout_);
         return;
     case GetRunStderr:
-        argv[0] = ctx.newString(runStderr_.join(u'\n'));
+        argv[0] = textOf(ctx, stderr_);
         return;
     default:
         ESClass::call(ctx, fn, thisObject, argc, argv);
@@ -234,6 +234,14 @@ ESValue TBSysESClass::run(ESContext& ctx, const ESValue* argv) {
     // whether its output is kept here or goes where the script's own goes.
     const bool capture = ctx.toBoolean(argv[1]);
     const QStringList words = splitCommandLine(ctx.toString(argv[0]));
-    return numberValue(
-        runProcess(words, true, QString(), capture ? &runStdout_ : nullptr, capture ? &runStderr_ : nullptr));
+    return numberValue(runProcess(words, true, QString(), capture ? &stdout_.lines : nullptr,
+                                  capture ? &stderr_.lines : nullptr));
+}
+
+ESValue TBSysESClass::textOf(ESContext& ctx, Output& output) {
+    if (!output.lines.text().isEmpty()) {
+        output.text = ctx.concatenate(output.text, ctx.newString(output.lines.text()));
+        output.lines.clear();
+    }
+    return output.text;
 }

@@ -2,9 +2,9 @@
 // stands in file_helpers.h, how programs run in process_runner.h; here are the conversions and the results.
 #pragma once
 
+#include "hostobjects/process_runner.h"
 #include "runtime/native_class.h"
-
-#include <QStringList>
+#include "runtime/value.h"
 
 // To be created before any script runs, given `init`, and kept until the context is gone.
 class TBSysESClass : public ESClass {
@@ -16,7 +16,13 @@ public:
 private:
     ESValue run(ESContext& ctx, const ESValue* argv);
 
-    // What the programs run so far have written, those alone whose output was asked for. Never cleared.
-    QStringList runStdout_;
-    QStringList runStderr_;
+    // What the programs run so far have written to a stream, those alone whose output was asked for. Never
+    // cleared: the lines join the text when a script asks for it.
+    struct Output {
+        OutputLines lines;
+        ESValue text;
+    };
+    static ESValue textOf(ESContext& ctx, Output& output);
+    Output stdout_;
+    Output stderr_;
 };

@@ -130,7 +130,7 @@ public:
     }
     // String values from characters: copied.
     ESValue newString(QStringView characters);
-    ESValue newString(const char* latin1);
+    ESValue newString(QByteArrayView latin1);
     ESValue characterString(char16_t character);
     // A part of a string value, sharing its characters. from + length must lie within it.
     ESValue substring(const ESValue& string, std::uint32_t from, std::uint32_t length);

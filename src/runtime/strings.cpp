@@ -1,6 +1,7 @@
 // String values: making them, putting them together, comparing them.
 #include "runtime/context.h"
 
+#include <algorithm>
 #include <cstring>
 
 ESValue ESContext::newString(QStringView characters) {
@@ -14,7 +15,18 @@ ESValue ESContext::newString(QStringView characters) {
     return noted(ESText::make(textArena(), characters));
 }
 
-ESValue ESContext::newString(const char* latin1) { return newString(QString::fromLatin1(latin1)); }
+ESValue ESContext::newString(QByteArrayView latin1) {
+    if (latin1.size() <= 1) {
+        return newString(QString::fromLatin1(latin1));
+    }
+    if (latin1.size() > static_cast<qsizetype>(ESText::maxLength)) {
+        raiseRangeError("length too large");
+    }
+    const auto length = static_cast<std::uint32_t>(latin1.size());
+    auto* characters = textArena().allocateArray<char16_t>(length);
+    std::transform(latin1.begin(), latin1.end(), characters, [](char c) { return static_cast<uchar>(c); });
+    return noted(ESText::makeView(textArena(), characters, length));
+}
 
 ESValue ESContext::characterString(char16_t character) {
     if (character < 256) [[likely]] {

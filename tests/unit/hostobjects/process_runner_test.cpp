@@ -26,20 +26,15 @@ TEST(CommandLine, SplitsByQuotesAndBlanks) {
 
 TEST(OutputLines, FoldsBytesIntoLines) {
     for (const Row& row : rowsOf("hostobjects/runs.table", "lines")) {
-        QStringList lines{latin1("before")};
-        appendOutputLines(QByteArray::fromStdString(row.text), &lines);
-        EXPECT_EQ(lines.takeFirst(), latin1("before"));
-        QByteArray text;
-        for (const QString& line : lines) {
-            EXPECT_EQ(line.isNull(), line.isEmpty());
-            text += '[' + line.toLatin1() + ']';
-        }
-        EXPECT_EQ(text.toStdString(), row.expected) << row.text;
+        OutputLines lines;
+        lines.add(QByteArray::fromStdString(row.text));
+        lines.add("last\n");
+        const QByteArray text = QByteArray(lines.text()).replace("\n", "][");
+        EXPECT_EQ('[' + text.toStdString() + ']', row.expected + "[last]") << row.text;
     }
-    QStringList lines;
-    appendOutputLines(QByteArray("a\0b\n", 4), &lines);
-    ASSERT_EQ(lines.size(), 1);
-    EXPECT_EQ(lines[0].size(), 3);
+    OutputLines lines;
+    lines.add(QByteArray("a\0b\n", 4));
+    EXPECT_EQ(lines.text(), QByteArray("a\0b", 3));
 }
 
 // Scripts always wait, and in their own folder.
@@ -48,11 +43,11 @@ TEST(ProcessRunner, WithoutWaitingAndElsewhere) {
     while (waitpid(-1, nullptr, 0) > 0) {
     }
     EXPECT_EQ(errno, ECHILD);
-    QStringList out;
-    QStringList err;
+    OutputLines out;
+    OutputLines err;
     EXPECT_EQ(runProcess({latin1("pwd")}, true, latin1("/"), &out, &err), 0);
     EXPECT_EQ(runProcess({latin1("echo"), latin1("on")}, true, latin1("/no/such"), &out, &err), 0);
-    EXPECT_EQ(out, (QStringList{latin1("/"), latin1("on")}));
+    EXPECT_EQ(out.text(), "/\non");
 }
 
 // Grandchildren that keep stderr, or write to it without end, don't hold the run up.
@@ -63,10 +58,10 @@ TEST(ProcessRunner, WaitsForNoneButTheChild) {
         "{ exec >&-; timeout 60 yes >&2; } & echo ab; exit 2",
     };
     for (const char* const row : rows) {
-        QStringList out;
-        QStringList err;
+        OutputLines out;
+        OutputLines err;
         const QStringList words{latin1("sh"), latin1("-c"), latin1(row)};
         EXPECT_EQ(runProcess(words, true, QString(), &out, &err), 2) << row;
-        EXPECT_EQ(out, QStringList{latin1("ab")});
+        EXPECT_EQ(out.text(), "ab");
     }
 }
