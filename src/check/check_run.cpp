@@ -2,6 +2,7 @@
 
 #include "check/check_script.h"
 #include "host/release.h"
+#include "runtime/text.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -109,6 +110,10 @@ std::optional<QString> readText(const char* path) {
     char part[64 * 1024];
     while (const std::size_t got = std::fread(part, 1, sizeof part, file.get())) {
         bytes.append(part, static_cast<qsizetype>(got));
+        if (bytes.size() > static_cast<qsizetype>(ESText::maxLength)) { // the host cannot load it either
+            errno = EFBIG;
+            return std::nullopt;
+        }
     }
     if (std::ferror(file.get()) != 0) {
         return std::nullopt;
