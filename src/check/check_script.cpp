@@ -29,7 +29,11 @@ bool succeeds(Script& script, Reports& reports, const std::function<void()>& ste
         reports.push_back({script.engine.context.currentLine(), Severity::Error, syntaxRule,
                            messageOf(script.engine.context, exception)});
     } catch (const ESFatalError& fault) { // more than the instructions can express
-        reports.push_back({1, Severity::Error, syntaxRule, fault.message});
+        reports.push_back({std::max(fault.line, 1), Severity::Error, syntaxRule, fault.message});
+        reports.push_back(
+            {reports.back().line, Severity::Note, syntaxRule,
+             QStringLiteral("more than the machine can express in one function, or at the top of "
+                            "a script: move parts of it into functions of their own")});
     }
     return false;
 }

@@ -3,6 +3,7 @@
 #include "check/facts.h"
 #include "check/missing_names.h"
 
+#include <algorithm>
 #include <set>
 
 namespace {
@@ -126,6 +127,32 @@ Finding mathRandom(const Facts& facts, const Visit& visit) {
                   : nothing;
 }
 
+// A text that is written out where a path or a command is due, and of which the system would get another.
+Finding oddPath(const Facts& facts, const Visit& visit) {
+    const ESNode* const node = visit.node;
+    const ESNode* const callee = node->kind == NodeCall ? node->child[0] : nullptr;
+    if (callee == nullptr) {
+        return nothing;
+    }
+    const bool member = callee->kind == '.';
+    const ESNode* const object = member ? callee->child[0] : callee;
+    const bool host =
+        member ? isName(object, u"TBSys") || isName(object, u"ElfFile") : isName(object, u"load");
+    if (!host || !facts.isBuiltin(visit, object->atom)) {
+        return nothing;
+    }
+    const bool writes = callee->atom->view() == u"writeStringToFile"; // whose second text is no path
+    for (const ESNode* path = node->child[1]; path != nullptr; path = writes ? nullptr : path->next) {
+        const QStringView text = path->kind == TokenString ? path->atom->view() : QStringView();
+        if (std::any_of(text.begin(), text.end(), [](QChar c) { return c.isNull() || c.unicode() > 0xFF; })) {
+            return found(path->line,
+                         "a path ends at a NUL, and gets a ? for a character above U+00FF: this names "
+                         "another file");
+        }
+    }
+    return nothing;
+}
+
 // --- Names ---
 
 Finding undeclaredAssignment(const Facts& facts, const Visit& visit) {
@@ -184,8 +211,8 @@ Finding newChain(const Facts&, const Visit& visit) {
         return nothing;
     }
     const ESNode* chain = node->child[0]->kind == NodeCall ? node->child[0]->child[0] : node->child[0];
-    for (; isMember(chain); chain = chain->child[0]) {
-        if (chain->child[0]->kind == NodeCall) {
+    for (; isMember(chain) && !chain->inParentheses; chain = chain->child[0]) {
+        if (chain->child[0]->kind == NodeCall && !chain->child[0]->inParentheses) {
             return found(chain->child[0]->line,
                          "new takes the whole chain behind it: write (new F(...)).member");
         }
@@ -264,6 +291,7 @@ constexpr Rule rules[] = {
     {"unknown-member", unknownMember},
     {"missing-global", missingGlobal},
     {"math-random", mathRandom},
+    {"odd-path", oddPath},
     {"undeclared-assignment", undeclaredAssignment, true},
     {"unused-function", unusedFunction},
     {"null-comparison", nullComparison},

@@ -9,13 +9,13 @@ constexpr std::size_t largestOperand = 0xFFFF;
 
 } // namespace
 
-void refuseBlock(const char* text) {
-    throw ESFatalError{QStringLiteral("compiler error: ") + QString::fromLatin1(text)};
+void refuseBlock(const char* text, std::int32_t line) {
+    throw ESFatalError{QStringLiteral("compiler error: ") + QString::fromLatin1(text), line};
 }
 
 void ESEmitter::emitOperand(std::size_t operand, std::int32_t line) {
     if (operand > largestOperand) {
-        refuseBlock("operand too large");
+        refuseBlock("operand too large", line);
     }
     block_->emit(static_cast<std::uint8_t>(operand >> 8), line);
     block_->emit(static_cast<std::uint8_t>(operand & 0xFF), line);
@@ -43,7 +43,7 @@ void ESEmitter::emitJumpTo(std::uint8_t opcode, std::int32_t target, std::int32_
 void ESEmitter::emitJump(std::uint8_t opcode, ESPatchChain& chain, std::int32_t line) {
     const std::int32_t place = length() + 1;
     if (place >= emptyChain) {
-        refuseBlock("patch constant too large");
+        refuseBlock("patch constant too large", block_->lines.back()); // `line` can be far behind
     }
     emitOp16(opcode, static_cast<std::size_t>(chain), line);
     chain = place;
@@ -51,7 +51,7 @@ void ESEmitter::emitJump(std::uint8_t opcode, ESPatchChain& chain, std::int32_t 
 
 void ESEmitter::patch(ESPatchChain chain, std::int32_t target) {
     if (chain != emptyChain && static_cast<std::size_t>(target) > largestOperand) {
-        refuseBlock("jump target too large");
+        refuseBlock("jump target too large", block_->lines[static_cast<std::size_t>(chain)]);
     }
     while (chain != emptyChain) {
         const ESPatchChain previous = block_->operandAt(chain);

@@ -38,4 +38,4 @@ private:
 };
 
 // Throws ESFatalError with "compiler error: " and the text.
-[[noreturn]] void refuseBlock(const char* text);
+[[noreturn]] void refuseBlock(const char* text, std::int32_t line);

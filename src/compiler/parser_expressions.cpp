@@ -238,6 +238,7 @@ ESNode* ESParser::parsePrimary() {
     case '(': {
         ESNode* node = parseExpression();
         lexer_.expect(')');
+        node->inParentheses = true;
         return node;
     }
     case '[':

@@ -51,6 +51,7 @@ struct ESNode {
     std::int32_t continueChain = emptyChain; // to its next round; in a clause, to its beginning
     bool hasEffect;                          // something in the tree below assigns, steps, deletes or calls
     bool endsEmpty = false;                  // of a statement list: its last statement is none
+    bool inParentheses = false;              // of an expression
     union {
         ESAtom atom = nullptr;
         std::int32_t number;

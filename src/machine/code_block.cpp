@@ -13,8 +13,8 @@ ESCodeBlock::~ESCodeBlock() = default;
 
 namespace {
 
-[[noreturn]] void refuse(const char* text) {
-    throw ESFatalError{QString::fromLatin1("compiler error: %1").arg(QString::fromLatin1(text))};
+[[noreturn]] void refuse(const char* text, std::int32_t line = 0) {
+    throw ESFatalError{QString::fromLatin1("compiler error: %1").arg(QString::fromLatin1(text)), line};
 }
 
 bool endsPath(std::uint8_t opcode) { return opcode == OP_J || opcode == OP_RET || opcode == OP_RETU; }
@@ -76,9 +76,10 @@ std::int32_t ESCodeBlock::popsAt(std::int32_t offset) const {
 }
 
 void ESCodeBlock::finish() {
-    depths(maxDepth);
+    const std::vector<std::int32_t> depthAt = depths(maxDepth);
     if (maxDepth > ESContext::maxBlockDepth) {
-        refuse("too many values on the stack");
+        const auto deepest = std::max_element(depthAt.begin(), depthAt.end()) - depthAt.begin();
+        refuse("too many values on the stack", lines[static_cast<std::size_t>(deepest)]);
     }
 }
 

@@ -14,9 +14,10 @@ struct ESException {
     ESValue value; // always an object
 };
 
-// An internal fault. Nothing below main() catches it, and nobody reads the text at run time.
+// An internal fault. Nothing below main() catches it, and nobody reads what it holds at run time.
 struct ESFatalError {
     QString message;
+    std::int32_t line = 0; // of the text that cannot be compiled; 0 elsewhere
 };
 
 // A failure of the host side: main() prints "error: " and the text, and ends the run with status 1.

@@ -64,7 +64,9 @@ eval("usedInText()");
 
 WScript.Echo(list == 1 // a comment
     || new Date().getTime()); // warning: new takes the whole chain behind it: write (new F(...)).member [new-chain]
-WScript.Echo((new Date()).getTime() + new list.Date(1) + new process.Thing);
+WScript.Echo((new Date()).getTime() + new list.Date(1) + new process.Thing + new (list.at().Date)(1));
+TBSys.copyFile("a", "b\u0100"); // warning: a path ends at a NUL, and gets a ? for a character above U+00FF: this names another file [odd-path]
+TBSys.writeStringToFile("a\xff" + load("a\u0000"), "\u0100"); // warning: a path ends at a NUL, and gets a ? for a character above U+00FF: this names another file [odd-path]
 list = [1, 2, ]; // warning: the comma in front of the ] adds an element, which is undefined [trailing-comma]
 list = [[1, , 2], [, ], []];
 

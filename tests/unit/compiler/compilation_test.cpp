@@ -32,7 +32,7 @@ protected:
             compileProgram(ctx, QString::fromStdString(text));
             return "compiled";
         } catch (const ESFatalError& fault) {
-            return fault.message.toStdString();
+            return std::to_string(fault.line) + ": " + fault.message.toStdString();
         }
     }
     static std::string repeated(const std::string& text, int count) {
@@ -106,11 +106,11 @@ TEST_F(Compilation, TakesLongTexts) {
 
 // Operands have 16 bits. What needs more is refused, and what doesn't may be longer.
 TEST_F(Compilation, RefusesOperandsThatDoNotFit) {
-    const std::string tooLarge = "compiler error: operand too large";
-    const std::string farJump = "compiler error: patch constant too large";
+    const std::string tooLarge = "1: compiler error: operand too large";
+    const std::string farJump = "1: compiler error: patch constant too large";
     EXPECT_EQ(refusal("[" + numbered("", ".5,", 65534) + "0.75]"), "compiled");
     EXPECT_EQ(refusal(numbered("x=", ".5;", 65536)), "compiled");
-    EXPECT_EQ(refusal(numbered("x=", ".5;", 65537)), tooLarge);
+    EXPECT_EQ(refusal(numbered("\nx=", ".5;", 65537)), "65538: compiler error: operand too large");
     EXPECT_EQ(refusal(repeated("x=.5;", 70000)), "compiled") << "equal numbers share a place";
     EXPECT_EQ(refusal("x=[" + repeated("0,", 65534) + "0]"), "compiled");
     EXPECT_EQ(refusal("x=[" + repeated("0,", 65535) + "0]"), tooLarge);
@@ -121,8 +121,8 @@ TEST_F(Compilation, RefusesOperandsThatDoNotFit) {
     EXPECT_EQ(refusal(bytes65532 + "while (x) ;"), farJump);
     EXPECT_EQ(refusal(bytes65532 + repeated("x++;", 100000)), "compiled");
     EXPECT_EQ(refusal("while (x) x = 0" + repeated("+0", 32760) + ";"), "compiled");
-    EXPECT_EQ(refusal("while (x) x = 0" + repeated("+0", 32764) + ";"),
-              "compiler error: jump target too large");
+    EXPECT_EQ(refusal("x;\nwhile (x) x =\n0" + repeated("+0", 32764) + ";"),
+              "2: compiler error: jump target too large");
     EXPECT_EQ(refusal("do { x = 0" + repeated("+0", 40000) + "; } while (x)"), "compiled");
     EXPECT_EQ(refusal("x = 0" + repeated("+0", 40000) + "; do { x = 0; } while (x)"), tooLarge);
 }
