@@ -638,7 +638,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
             ESProperty* slot = guessedOwn(base.object, pc[2].atom, pc[3].operand.low);
             if (slot != nullptr && slot->tag == ESTagNumber && slot->attributes == 0) [[likely]] {
                 const double old = slot->number;
-                slot->number = step(old, opcode);
+                slot->number = steppedNumber(old, opcode);
                 setNumber(R(A), givesOld(opcode) ? old : slot->number);
                 NEXT(StepField)
             }
@@ -657,7 +657,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
         ESValue* element = base.tag == ESTagObject ? denseElement(base.object, key) : nullptr;
         if (element != nullptr && element->tag == ESTagNumber) [[likely]] {
             const double old = element->number;
-            element->number = step(old, opcode);
+            element->number = steppedNumber(old, opcode);
             setNumber(R(A), givesOld(opcode) ? old : element->number);
         } else {
             SYNC();

@@ -83,7 +83,7 @@ inline bool appendElement(ESContext& ctx, ESObject* array, const ESValue& key, c
     return true;
 }
 
-inline double step(double n, ESOpcode op) {
+inline double steppedNumber(double n, ESOpcode op) {
     return op == OP_PREINCE || op == OP_POSTINCE ? n + 1.0 : n - 1.0;
 }
 inline bool givesOld(ESOpcode op) { return op == OP_POSTINCE || op == OP_POSTDECE; }
