@@ -1,6 +1,6 @@
 // CRC-32 of plain bytes on each of the machine's paths, and of an image with and without gaps.
-#include "hostobjects/crc32.h"
-#include "hostobjects/crc32_paths.h"
+#include "system/crc32.h"
+#include "system/crc32_paths.h"
 #include "test_image.h"
 
 #include <benchmark/benchmark.h>

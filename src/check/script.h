@@ -4,7 +4,7 @@
 #pragma once
 
 #include "compiler/compilation.h"
-#include "elf/elf_file_class.h"
+#include "hostobjects/elf_file_class.h"
 #include "hostobjects/tbsys_class.h"
 #include "hostobjects/wscript_class.h"
 #include "runtime/context.h"

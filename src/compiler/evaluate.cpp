@@ -2,7 +2,7 @@
 #include "compiler/compilation.h"
 #include "machine/operators.h"
 #include "runtime/context.h"
-#include "runtime/native_stack.h"
+#include "system/native_stack.h"
 
 namespace {
 

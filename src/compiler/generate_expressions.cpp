@@ -3,7 +3,7 @@
 
 #include "compiler/name_forms.h"
 #include "runtime/context.h"
-#include "runtime/native_stack.h"
+#include "system/native_stack.h"
 
 namespace {
 

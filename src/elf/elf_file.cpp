@@ -1,7 +1,7 @@
 #include "elf/elf_file.h"
 
-#include "hostobjects/crc32.h"
-#include "runtime/failures.h"
+#include "system/crc32.h"
+#include "system/h_exception.h"
 
 #include <algorithm>
 #include <array>

@@ -10,7 +10,7 @@
 #include "elf/records.h"
 #include "elf/symbol_index.h"
 #include "elf/symbol_table.h"
-#include "hostobjects/file_helpers.h"
+#include "system/files.h"
 
 #include <QString>
 

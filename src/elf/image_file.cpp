@@ -1,6 +1,6 @@
 #include "elf/image_file.h"
 
-#include "hostobjects/file_helpers.h"
+#include "system/files.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

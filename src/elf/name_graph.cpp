@@ -1,7 +1,7 @@
 #include "elf/name_graph.h"
 
 #include "elf/name_cursor.h"
-#include "runtime/native_stack.h"
+#include "system/native_stack.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #include "host/arg_parse.h"
 
-#include "hostobjects/file_helpers.h"
+#include "system/files.h"
 
 #include <algorithm>
 #include <cerrno>

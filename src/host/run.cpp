@@ -1,15 +1,15 @@
 #include "host/run.h"
 
-#include "elf/elf_file_class.h"
 #include "host/quorvane_arg_parse.h"
-#include "hostobjects/file_helpers.h"
+#include "hostobjects/elf_file_class.h"
 #include "hostobjects/tbsys_class.h"
 #include "hostobjects/wscript_class.h"
 #include "natives/error.h"
 #include "natives/global.h"
 #include "runtime/atom.h"
 #include "runtime/context.h"
-#include "runtime/failures.h"
+#include "system/files.h"
+#include "system/h_exception.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -31,9 +31,10 @@ const ESContext* runningContext = nullptr;
 
 // Says on stderr what the exception in flight means, without asking for memory.
 void printFailure() {
+    const std::exception_ptr inFlight = std::current_exception();
     try {
-        if (std::current_exception() != nullptr) {
-            throw;
+        if (inFlight != nullptr) {
+            std::rethrow_exception(inFlight);
         }
         std::fputs(internalError, stderr);
     } catch (const HException& failure) {

@@ -1,8 +1,8 @@
 #include "hostobjects/tbsys_class.h"
 
-#include "hostobjects/crc32.h"
-#include "hostobjects/file_helpers.h"
 #include "runtime/context.h"
+#include "system/crc32.h"
+#include "system/files.h"
 
 #include <QStringDecoder>
 #include <QStringEncoder>

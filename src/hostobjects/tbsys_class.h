@@ -2,9 +2,9 @@
 // stands in file_helpers.h, how programs run in process_runner.h; here are the conversions and the results.
 #pragma once
 
-#include "hostobjects/process_runner.h"
 #include "runtime/native_class.h"
 #include "runtime/value.h"
+#include "system/process_runner.h"
 
 // To be created before any script runs, given `init`, and kept until the context is gone.
 class TBSysESClass : public ESClass {
@@ -20,7 +20,7 @@ private:
     // cleared: the lines join the text when a script asks for it.
     struct Output {
         OutputLines lines;
-        ESValue text;
+        ESValue text = undefinedValue();
     };
     static ESValue textOf(ESContext& ctx, Output& output);
     Output stdout_;

@@ -1,7 +1,7 @@
 #include "hostobjects/wscript_class.h"
 
 #include "runtime/context.h"
-#include "runtime/failures.h"
+#include "system/h_exception.h"
 
 #include <cstdio>
 

@@ -45,7 +45,7 @@ void callValue(ESContext& ctx, const ESValue& fn, ESObject* receiver, std::int32
     if (!fn.isObject() || fn.object->callClosure == nullptr) {
         notAFunction(ctx);
     }
-    ctx.call(fn.object, receiver, argc);
+    callObject(ctx, fn.object, receiver, argc);
 }
 
 // CALLF and CALLX: the receiver stands in acc, the arguments are on the stack already.

@@ -1,5 +1,6 @@
 #include "natives/standard_library.h"
 
+#include "machine/interpreter.h"
 #include "runtime/context.h"
 
 #include <memory>
@@ -84,6 +85,7 @@ void makeFunctionPrototypeCallable(ESContext& ctx) {
 } // namespace
 
 void ESContext::initContext() {
+    callHook = callObject;
     internWellKnownAtoms();
     makeClasses(*this);
     sp = 0;

@@ -1,7 +1,7 @@
 // ESContext, one instance of the engine: the machine's registers, the value stack, the standard prototypes,
 // one instance of each native class and all objects. Every station sees this header; what a member function
-// does is defined where its subject lives: conversions.cpp, objects.cpp and context.cpp here, execute and
-// call in machine/, evaluate in compiler/evaluate.cpp, initContext in natives/standard_library.cpp.
+// does is defined where its subject lives: conversions.cpp, objects.cpp and context.cpp here, execute in
+// machine/, evaluate in compiler/evaluate.cpp, initContext in natives/standard_library.cpp.
 #pragma once
 
 #include "runtime/arena.h"
@@ -201,8 +201,8 @@ public:
     // --- Running (machine/) -----------------------------------------------------------------------------
     // Runs a block to its end; acc holds the result, counted as one pushed value.
     void execute(ESCodeBlock* block);
-    // The arguments are the top argc entries of the stack; afterwards they are gone and acc is the result.
-    void call(ESObject* fn, ESObject* thisObject, std::int32_t argc);
+    // The one way up from here to the machine: its callObject(), which initContext() sets.
+    void (*callHook)(ESContext& ctx, ESObject* fn, ESObject* thisObject, std::int32_t argc) = nullptr;
     // For natives: arguments in an array, acc preserved.
     void callFunction(ESObject* fn, ESObject* thisObject, std::int32_t argc, const ESValue* argv,
                       ESValue& result);

@@ -1,13 +1,13 @@
-// The three types that travel when something fails: a script's error (ESException), a fault of the
-// system itself (ESFatalError) and a failure of the host side (HException). Every station throws one of
-// them; ESContext::raiseError in context.h is the only thrower of the first.
+// What travels when a script cannot go on: its own error (ESException) or a fault of the machine
+// (ESFatalError). ESContext::raiseError in context.h is the only thrower of the first. Failures of the host
+// are HException's.
 #pragma once
 
 #include "runtime/value.h"
 
 #include <QString>
-#include <string>
-#include <utility>
+
+#include <cstdint>
 
 // Carries an error object of the script. Thrown by value; evaluate() turns it into a completion.
 struct ESException {
@@ -18,16 +18,4 @@ struct ESException {
 struct ESFatalError {
     QString message;
     std::int32_t line = 0; // of the text that cannot be compiled; 0 elsewhere
-};
-
-// A failure of the host side: main() prints "error: " and the text, and ends the run with status 1.
-class HException {
-public:
-    explicit HException(std::string text) : text_(std::move(text)) {}
-    virtual ~HException() = default;
-
-    const std::string& text() const { return text_; }
-
-private:
-    std::string text_;
 };

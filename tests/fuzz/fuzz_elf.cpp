@@ -3,8 +3,8 @@
 // headers.
 #include "elf/elf_file.h"
 #include "fuzz_target.h"
-#include "hostobjects/crc32.h"
-#include "runtime/failures.h"
+#include "system/crc32.h"
+#include "system/h_exception.h"
 
 #include <algorithm>
 #include <cstring>

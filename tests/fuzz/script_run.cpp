@@ -1,12 +1,13 @@
 #include "script_run.h"
 
-#include "elf/elf_file_class.h"
 #include "fuzz_target.h"
 #include "host/run.h"
+#include "hostobjects/elf_file_class.h"
 #include "hostobjects/tbsys_class.h"
 #include "hostobjects/wscript_class.h"
 #include "machine/code_block.h"
 #include "runtime/atom.h"
+#include "system/h_exception.h"
 
 #include <new>
 

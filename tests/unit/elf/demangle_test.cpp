@@ -1,7 +1,7 @@
 #include "elf/demangle.h"
 
-#include "runtime/native_stack.h"
 #include "support/rows.h"
+#include "system/native_stack.h"
 
 #include <gtest/gtest.h>
 

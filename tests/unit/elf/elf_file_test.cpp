@@ -1,8 +1,8 @@
 #include "elf/elf_file.h"
 
 #include "elf_builder.h"
-#include "hostobjects/crc32.h"
-#include "runtime/failures.h"
+#include "system/crc32.h"
+#include "system/h_exception.h"
 #include "temporary_folder.h"
 
 #include <gtest/gtest.h>

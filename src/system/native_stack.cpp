@@ -1,4 +1,4 @@
-#include "runtime/native_stack.h"
+#include "system/native_stack.h"
 
 #include <cstddef>
 #include <cstdint>

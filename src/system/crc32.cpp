@@ -1,6 +1,6 @@
-#include "hostobjects/crc32.h"
+#include "system/crc32.h"
 
-#include "hostobjects/crc32_paths.h"
+#include "system/crc32_paths.h"
 
 #include <array>
 #include <utility>

@@ -1,6 +1,6 @@
-#include "hostobjects/process_runner.h"
+#include "system/process_runner.h"
 
-#include "hostobjects/unique_fd.h"
+#include "system/unique_fd.h"
 
 #include <fcntl.h>
 #include <poll.h>

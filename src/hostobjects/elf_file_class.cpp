@@ -1,4 +1,4 @@
-#include "elf/elf_file_class.h"
+#include "hostobjects/elf_file_class.h"
 
 #include "runtime/context.h"
 

@@ -5,7 +5,7 @@
 // QFile and QTextStream aren't used to read and write: they don't outlive an allocation that fails.
 #pragma once
 
-#include "hostobjects/unique_fd.h"
+#include "system/unique_fd.h"
 
 #include <QByteArray>
 #include <QString>

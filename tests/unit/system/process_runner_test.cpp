@@ -1,4 +1,4 @@
-#include "hostobjects/process_runner.h"
+#include "system/process_runner.h"
 
 #include "support/rows.h"
 
@@ -15,7 +15,7 @@ QString latin1(const char* text) { return QString::fromLatin1(text); }
 } // namespace
 
 TEST(CommandLine, SplitsByQuotesAndBlanks) {
-    for (const Row& row : rowsOf("hostobjects/runs.table", "words")) {
+    for (const Row& row : rowsOf("system/runs.table", "words")) {
         QString words;
         for (const QString& word : splitCommandLine(latin1(row.text.c_str()))) {
             words += u'[' + word + u']';
@@ -25,7 +25,7 @@ TEST(CommandLine, SplitsByQuotesAndBlanks) {
 }
 
 TEST(OutputLines, FoldsBytesIntoLines) {
-    for (const Row& row : rowsOf("hostobjects/runs.table", "lines")) {
+    for (const Row& row : rowsOf("system/runs.table", "lines")) {
         OutputLines lines;
         lines.add(QByteArray::fromStdString(row.text));
         lines.add("last\n");

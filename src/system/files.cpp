@@ -1,4 +1,4 @@
-#include "hostobjects/file_helpers.h"
+#include "system/files.h"
 
 #include <QDir>
 #include <QFile>
