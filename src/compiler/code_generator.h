@@ -108,7 +108,7 @@ private:
     std::size_t findLabelled(ESAtom label) const;
     void leaveWiths(std::size_t target, std::int32_t line);
 
-    void checkDepth() const;
+    void checkNativeStack() const;
     void compileBody(ESNode* body, std::int32_t line);
     void finishBlock();
     ESCodeBlock& block() const { return emitter_.block(); }

@@ -2,6 +2,7 @@
 
 #include "runtime/context.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace {

@@ -61,7 +61,7 @@ bool isLink(std::int32_t kind) {
 
 } // namespace
 
-void ESCodeGenerator::checkDepth() const {
+void ESCodeGenerator::checkNativeStack() const {
     if (nativeStackLow()) {
         ctx_.stackTooSmall();
     }
@@ -80,7 +80,7 @@ void ESCodeGenerator::compileExpression(const ESNode* node, bool want) {
         }
         return;
     }
-    checkDepth();
+    checkNativeStack();
     switch (node->kind) {
     case ',':
         compileSequence(node, want);

@@ -74,7 +74,7 @@ void ESCodeGenerator::compileStatement(ESNode* node) {
         compileExpression(node, false);
         return;
     }
-    checkDepth();
+    checkNativeStack();
     node->breakChain = emptyChain; // a body may be compiled twice
     node->continueChain = emptyChain;
     statements_.push_back(node);

@@ -13,7 +13,7 @@
 
 class ESFunctionScope;
 
-// Head of a patch chain without jumps (patch_chain.h).
+// Head of a patch chain without jumps (emitter.h).
 constexpr std::int32_t emptyChain = 65535;
 
 // Children by kind, from 0; those not named are null. (List) is the first of a list, in source order.

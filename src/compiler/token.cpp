@@ -1,5 +1,6 @@
 #include "compiler/token.h"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 

@@ -1,5 +1,6 @@
 #include "elf/address_map.h"
 
+#include <algorithm>
 #include <functional>
 #include <iterator>
 #include <numeric>

@@ -26,15 +26,13 @@ constexpr std::string_view withoutExtraUnderscore(std::string_view name) {
 }
 
 // The demangled text, or the name itself (less an extra underscore) where there is none or it would cost too
-// much (name_graph.h). Types count as
-// names, so "i" gives "int". `name` holds no NUL.
+// much (name_graph.h). Types count as names, so "i" gives "int". `name` holds no NUL.
 std::string demangle(std::string_view name, NameStyle style);
 
 // The beginning of demangle(name, style), for those who need no more.
 struct TextStart {
     std::string text;
-    bool isWhole; // the text is all of it. If not, the text is its beginning, or the name itself counts after
-                  // all
+    bool isWhole; // if not, the text is the beginning, or the name itself counts after all
 };
 TextStart startOfDemangled(std::string_view name, NameStyle style, std::size_t limit);
 

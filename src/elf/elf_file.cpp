@@ -255,7 +255,7 @@ std::vector<ElfSymbol> ElfFile::symbolsByValue() const {
 }
 
 std::optional<std::span<std::uint8_t>> ElfFile::bytesAt(std::uint32_t address, std::uint64_t length,
-                                                        AddressSpace space) const {
+                                                        AddressSpace space) {
     const std::uint64_t end = address + length;
     if (end > std::uint64_t{1} << 32) {
         return std::nullopt;

@@ -86,7 +86,7 @@ public:
 
     // The bytes of the first program header that holds the range whole, for reading or patching.
     std::optional<std::span<std::uint8_t>> bytesAt(std::uint32_t address, std::uint64_t length,
-                                                   AddressSpace space) const;
+                                                   AddressSpace space);
     // The bytes from `address` on, `padding` where no program header has any. Where several have, the last
     // one counts.
     void copyRange(std::uint32_t address, std::span<std::uint8_t> out, AddressSpace space,

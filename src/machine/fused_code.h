@@ -46,14 +46,14 @@ public:
     explicit ESFusedCode(ESCodeBlock& owner) : block(owner) {}
 
     // What the machine has to know where an instruction calls out.
-    struct Site {
+    struct CallOut {
         std::int32_t sp;     // entries in use from the frame on, as the loop over the bytes would have them
         std::int32_t offset; // of the instruction in the block's bytes
     };
 
     ESCodeBlock& block;
     std::vector<ESCell> cells;
-    std::vector<Site> sites; // beside the cells
+    std::vector<CallOut> callOuts; // beside the cells
     std::int32_t argCount = 0;
     std::int32_t localCount = 0; // of those that lie in the stack
     std::int32_t uncounted = 0;  // of these, how many the loop over the bytes keeps elsewhere

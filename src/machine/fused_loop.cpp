@@ -37,9 +37,14 @@ const void* const* loop(ESContext* context, ESFusedCode* code);
 
 namespace {
 
+// What runs each instruction: places in the loop, which it alone can name, and gives when it is asked to run nothing.
+const void* const* handlerTable() {
+    static const void* const* const table = loop(nullptr, nullptr);
+    return table;
+}
+
 ESFusedCode& codeOf(ESCodeBlock& block) {
-    static const void* const* const handlers = loop(nullptr, nullptr);
-    return block.fused != nullptr ? *block.fused : fusedCodeOf(block, handlers);
+    return block.fused != nullptr ? *block.fused : fusedCodeOf(block, handlerTable());
 }
 
 } // namespace
@@ -77,9 +82,9 @@ void callFused(ESContext& ctx, const ESClosure& closure, ESObject* receiver, std
 #define R(offset) (*reinterpret_cast<ESValue*>(reinterpret_cast<char*>(fp) + (offset)))
 #define SYNC()                                                                                                   \
     do {                                                                                                         \
-        const ESFusedCode::Site& site = code->sites[static_cast<std::size_t>(pc - code->cells.data())];          \
-        ctx.sp = static_cast<std::int32_t>(fp - ctx.stack) + site.sp;                                            \
-        ctx.linePlace = code->block.lines.data() + site.offset;                                                  \
+        const ESFusedCode::CallOut& callOut = code->callOuts[static_cast<std::size_t>(pc - code->cells.data())]; \
+        ctx.sp = static_cast<std::int32_t>(fp - ctx.stack) + callOut.sp;                                         \
+        ctx.linePlace = code->block.lines.data() + callOut.offset;                                               \
     } while (false)
 #define GOTO(cell) pc = code->cells.data() + (cell)
 
@@ -899,7 +904,7 @@ const void* const* loop(ESContext* context, ESFusedCode* code) {
     leave:
         if (ctx.frameDepth == entryDepth) {
             const std::size_t place = static_cast<std::size_t>(pc - code->cells.data());
-            ctx.linePlace = code->block.lines.data() + code->sites[place].offset;
+            ctx.linePlace = code->block.lines.data() + code->callOuts[place].offset;
             ctx.acc = result;
             ctx.sp = entrySp + 1;
             return nullptr;
@@ -984,7 +989,7 @@ enterCall : {
 
 // acc holds the result of the native call at pc.
 goOnBytes : {
-    const std::int32_t offset = code->sites[static_cast<std::size_t>(pc - code->cells.data())].offset;
+    const std::int32_t offset = code->callOuts[static_cast<std::size_t>(pc - code->cells.data())].offset;
     finishOnBytes(ctx, *code, fp, offset);
     if (ctx.frameDepth == entryDepth) {
         ctx.sp = entrySp + 1;
@@ -998,3 +1003,23 @@ goOnBytes : {
 }
 
 } // namespace
+
+#undef A
+#undef B
+#undef C
+#undef D
+#undef R
+#undef SYNC
+#undef GOTO
+#undef CASE
+#undef DISPATCH
+#undef AGAIN
+#undef NEXT
+#undef JUMP_IF
+#undef ARITHMETIC
+#undef ARITHMETIC_NR
+#undef BITWISE
+#undef COMPARE_AND_JUMP
+#undef COMPARE_NR_AND_JUMP
+#undef COMPARISON
+#undef ES_COMPUTED_GOTO

@@ -5,7 +5,7 @@
 #include "machine/fused_code.h"
 #include "runtime/context.h"
 
-// A site's memory: position of the slot, and how many prototypes up it lies.
+// The object's own property of this name if it lies at that position, else null.
 inline ESProperty* guessedOwn(ESObject* object, ESAtom atom, std::uint32_t position) {
     ESPropertyTable& properties = object->properties;
     if (position < properties.count() && properties.at(position).atom == atom) {

@@ -51,8 +51,8 @@ void ESFusedTranslator::emit(ESFusedOp op, std::int32_t sp) {
         cell.opcode = number;
     }
     code_.cells.push_back(cell);
-    code_.sites.resize(code_.cells.size());
-    code_.sites.back() = {sp, offset_};
+    code_.callOuts.resize(code_.cells.size());
+    code_.callOuts.back() = {sp, offset_};
 }
 
 void ESFusedTranslator::operands(std::uint32_t low, std::uint32_t high) {
@@ -235,7 +235,7 @@ void ESFusedTranslator::run() {
         ESCell& cell = code_.cells[patch.cell];
         (patch.high ? cell.operand.high : cell.operand.low) = cellAt_[static_cast<std::size_t>(patch.offset)];
     }
-    code_.sites.resize(code_.cells.size());
+    code_.callOuts.resize(code_.cells.size());
 }
 
 void ESFusedTranslator::translate(ESOpcode op) {

@@ -4,8 +4,7 @@
 // 3. linePlace is set before every instruction: whoever raises an error finds its line.
 // 4. Nothing is restored after a throw; evaluate() does that.
 // 5. Pushes aren't tested: a block's depth is known, and the stack has room for it behind every call.
-// 6. What an operator still needs when it may have run script is handed to it as a copy: a run writes over
-// aux
+// 6. What an operator still needs when it may have run script is handed to it as a copy: a run writes over aux
 //    and over the entries from sp on. Only acc is kept for it.
 #include "machine/interpreter.h"
 

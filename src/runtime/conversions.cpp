@@ -3,6 +3,7 @@
 #include "runtime/context.h"
 
 #include <QStringView>
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>

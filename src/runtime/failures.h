@@ -14,7 +14,7 @@ struct ESException {
     ESValue value; // always an object
 };
 
-// An internal fault. Nothing below main() catches it, and nobody reads what it holds at run time.
+// An internal fault, which ends a run; what it holds is read by those alone who compile without running.
 struct ESFatalError {
     QString message;
     std::int32_t line = 0; // of the text that cannot be compiled; 0 elsewhere

@@ -136,8 +136,8 @@ bool pollDescriptors(std::array<pollfd, 3>& entries, int timeoutMilliseconds) {
 
 // Reads both streams in turn, so that neither fills up while the other is waited for.
 void readStreams(pid_t pid, Stream& out, Stream& err) {
-    UniqueFd childEnd; // readable when the child has ended; -1, which poll passes over, where there is no
-                       // such thing
+    // Readable when the child has ended; -1, which poll passes over, where there is no such thing.
+    UniqueFd childEnd;
     while (out.fd.isOpen() || err.fd.isOpen()) {
         if (!out.fd.isOpen()) {
             // The child may have left stderr to someone who keeps it: from here on its own end counts.
